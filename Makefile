@@ -1,0 +1,35 @@
+# The two commands a newcomer needs: `make test` and `make demo`. Each sets itself up.
+.PHONY: all deps configure build test demo bench fuzz clean
+
+all: build
+
+deps:
+	@scripts/install-deps
+
+configure: deps
+	cmake --preset default
+
+build: configure
+	cmake --build --preset default
+
+test: build
+	ctest --preset default
+
+demo:
+	@echo "The demo arrives with the phone emulator agp-phone; for now run 'make test'."
+
+bench: deps
+	cmake --preset release
+	cmake --build --preset release --target agp_bench
+	build/release/bench/agp_bench
+
+fuzz: deps
+	@scripts/install-deps fuzz
+	cmake --preset fuzz
+	cmake --build --preset fuzz --target fuzz_parser
+	mkdir -p fuzz/findings build/fuzz/fuzz/corpus
+	build/fuzz/fuzz/fuzz_parser -max_total_time=$${FUZZ_SECONDS:-60} -artifact_prefix=fuzz/findings/ \
+	    build/fuzz/fuzz/corpus fuzz/corpus
+
+clean:
+	rm -rf build
