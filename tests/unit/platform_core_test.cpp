@@ -3,9 +3,12 @@
 
 #include <atomic>
 #include <chrono>
+#include <mutex>
+#include <string>
 #include <thread>
 #include <vector>
 
+#include "events/EventLoop.h"
 #include "logging/Log.h"
 #include "logging/LogCapture.h"
 #include "text/TranslationInfo.h"
@@ -175,4 +178,34 @@ TEST(ClientUtils, Conversions) {
         EXPECT_FALSE(ClientUtils::stringToUnsignedShort(bad, value)) << bad;
         EXPECT_EQ(value, 0);
     }
+}
+
+TEST(EventLoop, RunsTasksInOrderDelayedAndCancelled) {
+    EventLoop loop;
+    std::mutex mutex;
+    std::vector<std::string> order;
+    auto record = [&](const std::string& what) {
+        return [&, what] {
+            std::lock_guard<std::mutex> lock(mutex);
+            order.push_back(what);
+        };
+    };
+    loop.postDelayed(std::chrono::milliseconds(30), record("late"));
+    const EventLoop::TaskId cancelled = loop.postDelayed(std::chrono::milliseconds(10), record("cancelled"));
+    loop.post(record("first"));
+    loop.post(record("second"));
+    EXPECT_TRUE(loop.cancel(cancelled));
+    EXPECT_FALSE(loop.cancel(cancelled));
+    bool onLoop = false;
+    EXPECT_TRUE(loop.runAndWait([&] { onLoop = loop.isLoopThread(); }));
+    EXPECT_TRUE(onLoop);
+    std::this_thread::sleep_for(std::chrono::milliseconds(60));
+    loop.drain();
+    {
+        std::lock_guard<std::mutex> lock(mutex);
+        EXPECT_EQ(order, (std::vector<std::string>{"first", "second", "late"}));
+    }
+    loop.stop();
+    EXPECT_EQ(loop.post(record("after stop")), 0u);
+    EXPECT_FALSE(loop.runAndWait([] {}));
 }
