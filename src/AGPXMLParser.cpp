@@ -1,0 +1,217 @@
+// The document parser: streams an XML document through expat into a tree of registered elements.
+#include "AGPXMLParser.h"
+
+#define AGP_LOG_MODULE "AGPXMLParser"
+#define AGP_LOG_SOURCE "./src/AGPXMLParser.cpp"
+
+#include <climits>
+#include <cstring>
+
+#include "AGPCommonBase.h"
+#include "AGPLog.h"
+#include "AGPObjectMap.h"
+#include "AGPPhoneletManager.h"
+#include "threads/Semaphore.h"
+
+namespace {
+
+const int kNoRecovery = 65535;
+
+const char* typeNameOf(AGPCommonBase* element) {
+    return AGPObjectTypeInfo::getTypeNameRef(element->getAGPObjectType()).c_str();
+}
+
+// Blank pieces between the tags of elements other than Text are layout, not content.
+bool isLayoutOnly(const char* text, int length) {
+    if (length == 0 || (length == 1 && text[0] == '\n')) {
+        return true;
+    }
+    for (int i = 0; i < length; ++i) {
+        if (text[i] != ' ' && text[i] != '\t') {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+AGPXMLParser* AGPXMLParser::m_thisParser = nullptr;
+
+AGPXMLParser::AGPXMLParser() : mParseLock(new Semaphore(1, 1, false)), mXMLParser(nullptr) {
+    m_thisParser = this;
+}
+
+AGPXMLParser::~AGPXMLParser() {
+    m_thisParser = nullptr;
+    delete mParseLock;
+}
+
+bool AGPXMLParser::startAGPXMLParser() {
+    AGP_LOG(5, "AGPXMLParser started successfully");
+    return true;
+}
+
+bool AGPXMLParser::parseXMLData(std::string& data, AGPCommonBase*& root) {
+    root = nullptr;
+    mParseLock->take(-1);
+    AGPXMLParseState state;
+    AGP_LOG(5, "Start parsing %d bytes of XML data\n", static_cast<int>(data.size()));
+
+    mXMLParser = XML_ParserCreate(nullptr);
+    XML_SetUserData(mXMLParser, &state);
+    XML_SetEntityDeclHandler(mXMLParser, XMLEntityDeclHandler_);
+    XML_SetElementHandler(mXMLParser, XMLstartElement_, XMLendElement_);
+    XML_SetCharacterDataHandler(mXMLParser, XMLCharacterDataHandler_);
+
+    const bool parsed = parseWhole(data);
+    if (!parsed) {
+        const std::string text =
+            "XML parser error\nLine: " + std::to_string(XML_GetCurrentLineNumber(mXMLParser)) + "\n" +
+            XML_ErrorString(XML_GetErrorCode(mXMLParser));
+        // The phonelet shows the error document with this text once it is registered.
+        AGP_LOG(5, "%s", text.c_str());
+        deletePartialTree(state);
+    }
+    XML_ParserFree(mXMLParser);
+    mXMLParser = nullptr;
+    mParseLock->give();
+    if (parsed) {
+        root = state.mRoot;
+    }
+    return parsed;
+}
+
+// One call for the whole document, as the final piece; only a document beyond the range of
+// expat's length argument is fed in pieces.
+bool AGPXMLParser::parseWhole(std::string& data) {
+    const char* next = data.data();
+    size_t left = data.size();
+    while (left > static_cast<size_t>(INT_MAX)) {
+        if (XML_Parse(mXMLParser, next, INT_MAX, XML_FALSE) != XML_STATUS_OK) {
+            return false;
+        }
+        next += INT_MAX;
+        left -= INT_MAX;
+    }
+    return XML_Parse(mXMLParser, next, static_cast<int>(left), XML_TRUE) == XML_STATUS_OK;
+}
+
+void AGPXMLParser::xmlStartElement(void* statePointer, const char* name, const char** attributes) {
+    AGPXMLParseState& state = *static_cast<AGPXMLParseState*>(statePointer);
+    if (state.mLevel > state.mRecoveryLevel) {
+        AGP_LOG(5, "Start element [%s] ignored due to recovery reason (level %d)", name, state.mLevel);
+        ++state.mLevel;
+        return;
+    }
+    std::string elementName(name);
+    AGPCommonBase* element = AGPCommonBase::getInstanceFor(elementName);
+    if (element == nullptr) {
+        AGP_LOG(5, "Couldn't get instance for [%s], set recovery level %d", name, state.mLevel);
+        state.mRecoveryLevel = state.mLevel;
+        ++state.mLevel;
+        return;
+    }
+    AGP_LOG(6, "Element [%s] created (level %d)", name, state.mLevel);
+
+    for (const char** attribute = attributes; attribute[0] != nullptr; attribute += 2) {
+        std::string attributeName(attribute[0]);
+        std::string attributeValue(attribute[1]);
+        if (element->addAttribute(attributeName, attributeValue)) {
+            AGP_LOG(6, "Attribute [%s]=[%s] added to element [%s] (level %d)", attribute[0], attribute[1],
+                    name, state.mLevel);
+        } else {
+            AGP_LOG(6, "Couldn't set attribute [%s]=[%s] to element [%s] (level %d)", attribute[0],
+                    attribute[1], name, state.mLevel);
+        }
+    }
+
+    if (state.mCurrent != nullptr) {
+        state.mAccepted.push_back(state.mCurrent->addChild(*element));
+        element->setParent(state.mCurrent);
+    } else {
+        state.mAccepted.push_back(true);
+        state.mRoot = element;
+    }
+    ++state.mLevel;
+    state.mCurrent = element;
+}
+
+void AGPXMLParser::xmlEndElement(void* statePointer, const char* name) {
+    AGPXMLParseState& state = *static_cast<AGPXMLParseState*>(statePointer);
+    --state.mLevel;
+    if (state.mLevel > state.mRecoveryLevel) {
+        AGP_LOG(5, "End element [%s] ignored due to recovery reason (level %d)\n", name, state.mLevel);
+        return;
+    }
+    if (state.mLevel == state.mRecoveryLevel) {
+        AGP_LOG(5, "Reset recovery level %d for element [%s]", state.mLevel, name);
+        state.mRecoveryLevel = kNoRecovery;
+        return;
+    }
+    deleteRefusedChild(state);
+    AGP_LOG(6, "End element [%s] (level %d)\n", name, state.mLevel);
+}
+
+// The current element ends: its parent becomes current, and an element its parent refused is
+// deleted with everything it accepted, since no tree owns it.
+void AGPXMLParser::deleteRefusedChild(AGPXMLParseState& state) {
+    AGPCommonBase* ended = state.mCurrent;
+    state.mCurrent = ended->getParent();
+    const bool accepted = state.mAccepted.back();
+    state.mAccepted.pop_back();
+    if (!accepted) {
+        AGPPhoneletManager::getAGPObjectMap()->removeAGPObjectTree(ended->getAGPObjectID());
+    }
+}
+
+void AGPXMLParser::deletePartialTree(AGPXMLParseState& state) {
+    while (!state.mAccepted.empty()) {
+        deleteRefusedChild(state);
+    }
+    AGPPhoneletManager::getAGPObjectMap()->removeAGPObjectTree(
+        state.mRoot != nullptr ? state.mRoot->getAGPObjectID() : 0);
+    state.mRoot = nullptr;
+}
+
+void AGPXMLParser::xmlCharacterDataHandler(void* statePointer, const char* text, int length) {
+    AGPXMLParseState& state = *static_cast<AGPXMLParseState*>(statePointer);
+    AGPCommonBase* current = state.mCurrent;
+    if (current == nullptr) {
+        return;
+    }
+    if (current->getAGPObjectType() != AGPObjectTypeInfo::ti_Text && isLayoutOnly(text, length)) {
+        return;
+    }
+    std::string piece(text, static_cast<size_t>(length));
+    if (state.mLevel > state.mRecoveryLevel) {
+        AGP_LOG(5, "Content [%s] for element [%s] ignored due to recovery reason (level %d)", piece.c_str(),
+                typeNameOf(current), state.mLevel);
+        return;
+    }
+    if (current->addContent(piece)) {
+        AGP_LOG(6, "Content [%s] added to element [%s] (level %d)\n", piece.c_str(), typeNameOf(current),
+                state.mLevel);
+    } else {
+        AGP_LOG(6, "Couldn't add content [%s] to element [%s] (level %d)", piece.c_str(), typeNameOf(current),
+                state.mLevel);
+    }
+}
+
+void AGPXMLParser::XMLstartElement_(void* state, const char* name, const char** attributes) {
+    m_thisParser->xmlStartElement(state, name, attributes);
+}
+
+void AGPXMLParser::XMLendElement_(void* state, const char* name) {
+    m_thisParser->xmlEndElement(state, name);
+}
+
+void AGPXMLParser::XMLCharacterDataHandler_(void* state, const char* text, int length) {
+    m_thisParser->xmlCharacterDataHandler(state, text, length);
+}
+
+// Any entity declaration ends the parse for good: such documents are refused whole.
+void AGPXMLParser::XMLEntityDeclHandler_(void*, const XML_Char*, int, const XML_Char*, int, const XML_Char*,
+                                         const XML_Char*, const XML_Char*, const XML_Char*) {
+    XML_StopParser(m_thisParser->mXMLParser, XML_FALSE);
+}
