@@ -4,6 +4,12 @@
 
 #include <string>
 
+#include "AGPCommonBase.h"
+#include "AGPObjectMap.h"
+#include "AGPObjectPool.h"
+#include "AGPPhoneletManager.h"
+#include "AGPXMLParser.h"
+
 namespace {
 
 // A list of 500 options with titles and URLs, about 100 KB.
@@ -20,6 +26,43 @@ std::string makeListDocument() {
     xml += "</IppList>\n</IppScreen>\n</IppDisplay>\n";
     return xml;
 }
+
+// The same amount of elements, text and attributes, made only of value elements, so that every
+// element is created, registered, filled and deleted whatever screen elements exist.
+std::string makeValueElementDocument() {
+    std::string xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<Text>\n";
+    for (int i = 0; i < 500; ++i) {
+        const std::string n = std::to_string(i);
+        xml += "<Title Key=\"entry\" Value=\"" + n + "\" Selected=\"FALSE\">\n<Label>Entry number " + n +
+               " of the directory list</Label>\n<Url>http://server.example/app/entry?id=" + n +
+               "&amp;view=full</Url>\n</Title>\n";
+    }
+    return xml + "</Text>\n";
+}
+
+void parseWithPhonelet(benchmark::State& state, std::string xml) {
+    AGPObjectPool::initPool();
+    AGPXMLParser* parser = AGPPhoneletManager::getAGPXMLParser();
+    for (auto _ : state) {
+        AGPCommonBase* root = nullptr;
+        parser->parseXMLData(xml, root);
+        if (root != nullptr) {
+            AGPPhoneletManager::getAGPObjectMap()->removeAGPObjectTree(root->getAGPObjectID());
+        }
+    }
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * xml.size()));
+    AGPPhoneletManager::shutdownPhonelet();
+}
+
+void BM_ParseListDocument(benchmark::State& state) {
+    parseWithPhonelet(state, makeListDocument());
+}
+BENCHMARK(BM_ParseListDocument);
+
+void BM_ParseValueElementDocument(benchmark::State& state) {
+    parseWithPhonelet(state, makeValueElementDocument());
+}
+BENCHMARK(BM_ParseValueElementDocument);
 
 void emptyStart(void*, const char*, const char**) {}
 void emptyEnd(void*, const char*) {}

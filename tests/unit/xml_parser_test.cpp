@@ -171,6 +171,7 @@ TEST_F(XMLParser, TwoThreadsGetTwoCompleteTrees) {
     };
     AGPCommonBase* first = nullptr;
     AGPCommonBase* second = nullptr;
+    AGPPhoneletManager::getAGPXMLParser(); // services exist before the queue threads do
     std::thread one([&] { parse(document("a"), first); });
     std::thread two([&] { parse(document("b"), second); });
     one.join();
