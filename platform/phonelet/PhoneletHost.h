@@ -19,6 +19,8 @@ public:
     // Stop `phonelet` (stopPhonelet) and release it; its shutdown deregisters it.
     virtual void stopPhonelet(Phonelet& phonelet) = 0;
     virtual void ledChanged(const std::string& /*name*/, bool /*on*/) {}
+    // The phone's tab bar gained (true) or lost the focus; the host passes it on to the
+    // phonelet in front with tabStatusChange.
     virtual void tabBarFocusChanged(bool /*inTabBar*/) {}
     virtual void localeNotified(Phonelet& /*phonelet*/, const std::string& /*language*/) {}
 };
