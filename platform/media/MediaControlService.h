@@ -1,0 +1,29 @@
+// The emulated phone's sounds: beeps are recorded, with their time, for the host to show.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <deque>
+#include <mutex>
+#include <vector>
+
+#include "media/MediaControlServiceIfc.h"
+
+class MediaControlService : public MediaControlServiceIfc {
+public:
+    struct Beep {
+        int beepNumber = 0;
+        std::chrono::system_clock::time_point when;
+    };
+    // Only the latest beeps are kept.
+    static constexpr std::size_t MAX_RECORDED = 100;
+
+    int playSystemBeep(int beepNumber) override;
+    // The beeps played, oldest first.
+    std::vector<Beep> beeps() const;
+    void clear();
+
+private:
+    mutable std::mutex mMutex;
+    std::deque<Beep> mBeeps;
+};
