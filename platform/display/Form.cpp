@@ -18,8 +18,8 @@ Form::~Form() {
     core::Lock lock(core::mutex());
     std::vector<Item*> items;
     items.swap(mItems);
-    SelectionField* options = mFormOptions;
-    mFormOptions = nullptr;
+    SelectionField* options = formOptions();
+    mFormOptions = core::Ref<Displayable>();
     for (Item* item : items) {
         item->attachTo(nullptr);
         delete item;
@@ -94,12 +94,12 @@ void Form::setSelected(Item* item) {
 
 void Form::setFormOptions(SelectionField* options) {
     core::Lock lock(core::mutex());
-    if (options == mFormOptions) {
+    SelectionField* replaced = formOptions();
+    if (options == replaced) {
         core::changed();
         return;
     }
-    SelectionField* replaced = mFormOptions;
-    mFormOptions = options;
+    mFormOptions = options != nullptr ? options->ref() : core::Ref<Displayable>();
     if (replaced != nullptr && std::find(mItems.begin(), mItems.end(), replaced) == mItems.end()) {
         delete replaced;
     }
@@ -108,7 +108,11 @@ void Form::setFormOptions(SelectionField* options) {
 
 SelectionField* Form::getFormOptions() const {
     core::Lock lock(core::mutex());
-    return mFormOptions;
+    return formOptions();
+}
+
+SelectionField* Form::formOptions() const {
+    return static_cast<SelectionField*>(mFormOptions.get());
 }
 
 void Form::setAlternativeCommandHandling(bool /*alternative*/) {}
@@ -137,9 +141,6 @@ void Form::forgetItem(Item* item) {
         } else if (mFocus > index) {
             --mFocus;
         }
-    }
-    if (item == mFormOptions) {
-        mFormOptions = nullptr;
     }
     core::changed();
 }
@@ -227,8 +228,8 @@ bool Form::handleText(const std::string& text) {
 
 std::vector<Command*> Form::softKeyCommands() const {
     std::vector<Command*> commands;
-    if (mFormOptions != nullptr) {
-        commands = mFormOptions->getSelections();
+    if (SelectionField* options = formOptions()) {
+        commands = options->getSelections();
     }
     for (Command* command : getCommands()) {
         commands.push_back(command);

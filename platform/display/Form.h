@@ -67,11 +67,12 @@ protected:
 private:
     bool moveFocus(int step);
     void focusFirstIfNone();
+    SelectionField* formOptions() const;
 
     FormProportionType mProportion;
     std::vector<Item*> mItems;
     int mFocus = -1;
-    SelectionField* mFormOptions = nullptr;
+    core::Ref<Displayable> mFormOptions; // a SelectionField
 };
 
 } // namespace DisplayAPI

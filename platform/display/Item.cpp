@@ -20,12 +20,19 @@ Item::~Item() {
 void Item::setLabel(const std::string& label) {
     core::Lock lock(core::mutex());
     mLabel = label;
+    mTranslatedLabel.reset();
+    core::changed();
+}
+
+void Item::setLabel(const TranslationInfo& label) {
+    core::Lock lock(core::mutex());
+    mTranslatedLabel = label;
     core::changed();
 }
 
 std::string Item::getLabel() const {
     core::Lock lock(core::mutex());
-    return mLabel;
+    return mTranslatedLabel ? mTranslatedLabel->getText() : mLabel;
 }
 
 void Item::setInformAppOnOk(bool inform) {
@@ -63,7 +70,7 @@ void Item::notifyStateChanged() {
 void Item::describe(nlohmann::json& out) const {
     out["kind"] = kind();
     out["ownerId"] = getOwnerId();
-    out["label"] = mLabel;
+    out["label"] = getLabel();
     out["focusable"] = isFocusable();
     describeContent(out);
 }

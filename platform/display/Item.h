@@ -1,9 +1,11 @@
 // The base of form items: label, focus rules, Ok reporting and the finished-edit notice.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "display/Displayable.h"
+#include "text/TranslationInfo.h"
 
 namespace DisplayAPI {
 
@@ -14,6 +16,8 @@ public:
     ~Item() override;
 
     void setLabel(const std::string& label);
+    // Translated whenever the item is drawn, so a later language change reaches it.
+    void setLabel(const TranslationInfo& label);
     std::string getLabel() const;
     // With true, Ok on the focused item is reported to the form's command listener as an OK
     // command with the form, instead of being handled by the item.
@@ -47,6 +51,7 @@ protected:
 
 private:
     std::string mLabel;
+    std::optional<TranslationInfo> mTranslatedLabel;
     bool mInformAppOnOk = false;
     bool mSelectable = true;
     Form* mForm = nullptr;

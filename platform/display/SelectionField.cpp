@@ -11,7 +11,7 @@ namespace DisplayAPI {
 SelectionField::SelectionField(const TranslationInfo* label, MenuCommand* selectionCommand, Form* /*form*/,
                                bool /*reserved*/) {
     if (label != nullptr) {
-        setLabel(label->getText());
+        setLabel(*label);
     }
     if (selectionCommand != nullptr) {
         mSelectionCommand = selectionCommand->ref();

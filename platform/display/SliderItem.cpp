@@ -29,7 +29,7 @@ bool parseNumber(const std::string& text, long& number) {
 
 SliderItem::SliderItem(const TranslationInfo* label) {
     if (label != nullptr) {
-        setLabel(label->getText());
+        setLabel(*label);
     }
 }
 

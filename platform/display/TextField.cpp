@@ -29,7 +29,7 @@ TextField::TextField(const TranslationInfo* label, int /*iconId*/, const Image* 
                      bool /*reserved*/)
     : mType(type) {
     if (label != nullptr) {
-        setLabel(label->getText());
+        setLabel(*label);
     }
 }
 

@@ -23,7 +23,8 @@ namespace {
 class LoopGate {
 public:
     explicit LoopGate(EventLoop& loop) {
-        loop.post([this] { mOpen.get_future().wait(); });
+        std::shared_future<void> opened = mOpen.get_future().share();
+        loop.post([opened] { opened.wait(); });
     }
     ~LoopGate() { open(); }
     void open() {
@@ -260,6 +261,10 @@ TEST_F(DisplayTest, KeypadDigitsReachTheObserverOnlyWhileSendingIsOffAndChangesA
     display->hide();
     EXPECT_FALSE(display->pressKey(Key::Digit1)) << "a hidden display takes no keys";
     EXPECT_FALSE(snap()["shown"]);
+    // The observers refer to this test's locals.
+    display->setChangeListener(nullptr);
+    display->setKeypadObserver(nullptr);
+    display->waitUntilSettled();
 }
 
 TEST_F(DisplayTest, WidgetsAreBuiltChangedAndDeletedFromSeveralThreadsWhileTheHostPressesKeys) {
