@@ -1,0 +1,458 @@
+// Tests of the widget library driven through keys: focus, editing, choices, soft keys, menus, popups.
+#include <list>
+#include <memory>
+
+#include "DisplayTestKit.h"
+#include "display/Alert.h"
+#include "display/ChoiceGroup.h"
+#include "display/ContextMenu.h"
+#include "display/ExclusiveList.h"
+#include "display/Form.h"
+#include "display/Image.h"
+#include "display/ImageItem.h"
+#include "display/List.h"
+#include "display/ListItem.h"
+#include "display/MenuCommand.h"
+#include "display/MultipleList.h"
+#include "display/PopupConfirm.h"
+#include "display/PopupPlayer.h"
+#include "display/SelectionField.h"
+#include "display/SliderItem.h"
+#include "display/Table.h"
+#include "display/TableItem.h"
+#include "display/TextBox.h"
+#include "display/TextField.h"
+
+using namespace DisplayAPI;
+
+namespace {
+
+TextField* textField(const std::string& label, TextField::FieldType type = TextField::ANY) {
+    auto* field = new TextField(nullptr, 0, nullptr, type, false);
+    field->setLabel(label);
+    return field;
+}
+
+TextField* spacer() {
+    auto* field = textField("");
+    field->setReadOnlyMode(true);
+    field->setSelectable(false);
+    return field;
+}
+
+} // namespace
+
+TEST_F(DisplayTest, FormFocusSkipsSpacersWrapsAndReportsEveryMove) {
+    Form form(Form::PROPORTION_60_40);
+    form.setOwnerId(7);
+    form.addCommandListener(&recorder);
+    TextField* name = textField("Name");
+    auto* choices = new ChoiceGroup("Colour", ChoiceGroup::EXCLUSIVE);
+    choices->append("red", nullptr);
+    choices->append("blue", nullptr);
+    form.append(name);
+    form.append(spacer());
+    form.appendChoiceGroup(choices);
+    display->setCurrent(&form);
+
+    EXPECT_EQ(form.getSelected(), name) << "the first focusable item takes the focus";
+    press({Key::Down});
+    EXPECT_EQ(form.getSelected(), choices) << "the spacer is skipped";
+    press({Key::Down}); // second choice row, same item
+    EXPECT_EQ(form.getSelected(), choices);
+    EXPECT_EQ(snap()["screen"]["items"][2]["row"], 1);
+    press({Key::Down}); // wraps to the top
+    EXPECT_EQ(form.getSelected(), name);
+
+    const auto calls = recorder.calls();
+    ASSERT_EQ(calls.size(), 2u) << "moves between items are reported, moves inside a choice group not";
+    for (const auto& call : calls) {
+        EXPECT_EQ(call.command, Form::CURRENT_ITEM_CHANGED_COMMAND());
+        EXPECT_EQ(call.type, Command::SCREEN);
+        EXPECT_EQ(call.displayable, &form);
+        EXPECT_TRUE(call.onLoopThread);
+    }
+
+    recorder.clear();
+    form.setWrapAround(false);
+    press({Key::Up});
+    EXPECT_EQ(form.getSelected(), name) << "no wrap from the top";
+    press({Key::Down, Key::Down, Key::Down, Key::Down});
+    EXPECT_EQ(form.getSelected(), choices) << "no wrap from the bottom";
+    EXPECT_EQ(recorder.calls().size(), 1u);
+
+    recorder.clear();
+    form.setSelected(name);
+    form.setUsedWithTab(true, nullptr);
+    press({Key::Up});
+    ASSERT_EQ(recorder.types(), std::vector<int>{Command::TABBAR_ACTIVE});
+    EXPECT_EQ(recorder.calls()[0].displayable, &form) << "without a tab screen the widget itself reports";
+
+    const auto screen = snap()["screen"];
+    EXPECT_EQ(screen["kind"], "form");
+    EXPECT_EQ(screen["ownerId"], 7);
+    EXPECT_EQ(screen["proportion"], 2);
+    EXPECT_EQ(screen["items"][1]["focusable"], false);
+    EXPECT_EQ(screen["items"][0]["focused"], true);
+}
+
+TEST_F(DisplayTest, TextEntryFollowsTypeLengthAndReadOnlyRulesAndReportsOnlyFinishedEdits) {
+    Form form;
+    form.addCommandListener(&recorder);
+    form.addItemStateListener(&recorder);
+    TextField* number = textField("PIN", TextField::NUMERIC);
+    number->setMaxFieldLength(4);
+    TextField* password = textField("Password", TextField::PASSWORD);
+    TextField* fixed = textField("Fixed");
+    fixed->setString("keep");
+    fixed->setReadOnlyMode(true);
+    form.append(number);
+    form.append(password);
+    form.append(fixed);
+    display->setCurrent(&form);
+
+    press({Key::Digit1, Key::Star, Key::Digit2});
+    EXPECT_TRUE(display->typeText("3x4é56"));
+    EXPECT_EQ(number->getString(), "1234") << "digits only, at most four";
+    EXPECT_TRUE(number->isEditing());
+    EXPECT_TRUE(recorder.items().empty()) << "no notice per keystroke";
+    press({Key::Left, Key::Ok});
+    EXPECT_EQ(number->getString(), "123");
+    ASSERT_EQ(recorder.items().size(), 1u);
+    EXPECT_EQ(recorder.items()[0], number);
+
+    press({Key::Digit9, Key::Back});
+    EXPECT_EQ(number->getString(), "123") << "Back undoes the edit";
+    EXPECT_EQ(recorder.items().size(), 1u);
+
+    press({Key::Down});
+    display->typeText("sécret");
+    press({Key::Down}); // moving away finishes the edit
+    EXPECT_EQ(password->getString(), "sécret");
+    EXPECT_EQ(recorder.items().size(), 2u);
+    const auto items = snap()["screen"]["items"];
+    EXPECT_EQ(items[1]["value"], "******") << "passwords are masked, one mark per character";
+    EXPECT_EQ(items[0]["value"], "123");
+
+    EXPECT_FALSE(display->typeText("x"));
+    press({Key::Ok, Key::Digit5});
+    EXPECT_EQ(fixed->getString(), "keep");
+    EXPECT_EQ(recorder.items().size(), 2u);
+
+    number->setString("123456789");
+    EXPECT_EQ(number->getString(), "1234") << "the widget shortens what it is given";
+
+    TextBox box(false);
+    box.addCommandListener(&recorder);
+    box.setTextBoxType(TextBox::NUMBER);
+    box.setMaxSize(3);
+    box.setText("98765");
+    EXPECT_EQ(box.getText(), "987");
+    box.setText("");
+    display->setCurrent(&box);
+    recorder.clear();
+    display->typeText("a1b2c3d4");
+    press({Key::Left, Key::Digit7, Key::Ok});
+    EXPECT_EQ(box.getText(), "127");
+    ASSERT_EQ(recorder.types(), std::vector<int>{Command::OK});
+    EXPECT_EQ(recorder.calls()[0].displayable, &box);
+    box.setTextBoxType(TextBox::PASSWORD);
+    EXPECT_EQ(snap()["screen"]["text"], "***");
+}
+
+TEST_F(DisplayTest, ChoicesSelectionFieldsAndSlidersReportTheirChanges) {
+    Form form;
+    form.addCommandListener(&recorder);
+    form.addItemStateListener(&recorder);
+    auto* multiple = new ChoiceGroup("Extras", ChoiceGroup::MULTIPLE);
+    multiple->append("milk", nullptr);
+    multiple->append("sugar", nullptr);
+    MenuCommand first("First", 23), second("Second", 23), third("Third", 23);
+    auto* popup = new SelectionField(nullptr, &first, &form, true);
+    popup->appendSelection(&first);
+    popup->appendSelection(&second);
+    popup->appendSelection(&third);
+    auto* slider = new SliderItem(nullptr);
+    slider->setMinValue("0");
+    slider->setMaxValue("10");
+    slider->setInterval("4");
+    slider->setValue("42");
+    EXPECT_EQ(slider->getValue(), "10") << "kept inside the range";
+    slider->setValue("3x");
+    EXPECT_EQ(slider->getValue(), "10") << "text that is not a number changes nothing";
+    form.append(multiple);
+    form.append(popup);
+    form.append(slider);
+    display->setCurrent(&form);
+
+    press({Key::Ok, Key::Down, Key::Ok, Key::Ok});
+    EXPECT_FALSE(multiple->isSelected(0) && multiple->isSelected(1));
+    EXPECT_TRUE(multiple->isSelected(0));
+    EXPECT_EQ(recorder.items().size(), 3u) << "every toggle is a finished change";
+
+    recorder.clear();
+    press({Key::Down, Key::Ok});
+    EXPECT_TRUE(popup->isPopupOpen());
+    EXPECT_EQ(snap()["screen"]["items"][1]["popup"]["focus"], 0);
+    press({Key::Down, Key::Down, Key::Ok});
+    EXPECT_EQ(popup->getSelectionIndex(), 2);
+    EXPECT_EQ(popup->getSelectionCommand(), &third);
+    EXPECT_EQ(recorder.items(), std::vector<Item*>{popup});
+    press({Key::Left});
+    EXPECT_EQ(popup->getSelectionIndex(), 1);
+
+    recorder.clear();
+    press({Key::Down, Key::Right, Key::Left, Key::Left, Key::Left, Key::Left});
+    EXPECT_EQ(slider->getValue(), "0");
+    EXPECT_EQ(recorder.items().size(), 3u) << "moves that change nothing at the ends are not reported";
+    slider->setAutomatic(true);
+    recorder.clear();
+    press({Key::Right});
+    EXPECT_EQ(slider->getValue(), "0") << "an automatic slider ignores the keys";
+    ASSERT_EQ(recorder.types(), std::vector<int>{Command::RIGHT}) << "Right goes to the form instead";
+
+    // The options field: Ok goes to the application with the form, browsing is not a change.
+    MenuCommand select("Select", 35), back("Back", 15);
+    auto* options = new SelectionField(nullptr, &select, &form, true);
+    options->setInformAppOnOk(true);
+    options->appendSelection(&select);
+    options->appendSelection(&back);
+    form.insertItem(options, 0);
+    form.setSelected(options);
+    recorder.clear();
+    press({Key::Right, Key::Ok});
+    EXPECT_TRUE(recorder.items().empty());
+    ASSERT_EQ(recorder.types(), std::vector<int>{Command::OK});
+    EXPECT_EQ(recorder.calls()[0].displayable, &form);
+    EXPECT_EQ(options->getSelectionCommand(), &back);
+}
+
+TEST_F(DisplayTest, SoftKeysShowCommandsAndAnOptionsMenuForTheRest) {
+    Form form;
+    form.addCommandListener(&recorder);
+    std::vector<std::unique_ptr<MenuCommand>> commands;
+    auto* options = new SelectionField(nullptr, nullptr, &form, true);
+    for (int i = 1; i <= 5; ++i) {
+        commands.push_back(std::make_unique<MenuCommand>("c" + std::to_string(i), 30 + i));
+        options->appendSelection(commands.back().get());
+    }
+    form.setFormOptions(options);
+    form.append(textField("Name"));
+    display->setCurrent(&form);
+
+    EXPECT_EQ(snap()["softKeys"], nlohmann::json({"c1", "c2", "c3", "Options"}));
+    press({Key::SoftKey2});
+    ASSERT_EQ(recorder.calls().size(), 1u);
+    EXPECT_EQ(recorder.calls()[0].command, commands[1].get());
+    EXPECT_EQ(recorder.calls()[0].type, Command::SCREEN);
+    EXPECT_EQ(recorder.calls()[0].displayable, &form);
+    EXPECT_EQ(static_cast<MenuCommand*>(recorder.calls()[0].command)->getId(), 32);
+
+    press({Key::SoftKey4});
+    EXPECT_TRUE(form.isContextMenuDisplayed());
+    EXPECT_EQ(snap()["screen"]["menu"]["entries"], nlohmann::json({"c4", "c5"}));
+    press({Key::Down, Key::Ok});
+    EXPECT_FALSE(form.isContextMenuDisplayed());
+    ASSERT_EQ(recorder.calls().size(), 2u);
+    EXPECT_EQ(recorder.calls()[1].command, commands[4].get());
+
+    press({Key::SoftKey6});
+    EXPECT_EQ(recorder.calls().size(), 2u) << "a key the phone does not have does nothing";
+    press({Key::Hash});
+    EXPECT_FALSE(form.isContextMenuDisplayed()) << "with soft keys # opens no menu";
+
+    commands.erase(commands.begin());
+    EXPECT_EQ(snap()["softKeys"], nlohmann::json({"c2", "c3", "c4", "c5"}))
+        << "a deleted command leaves the keys";
+}
+
+TEST_F(DisplayTest, WithoutSoftKeyBarHashOpensTheBuiltInContextMenu) {
+    makeDisplay(false);
+    EXPECT_EQ(display->hasSoftKeyBar(), 0);
+    TextBox box(false);
+    box.addCommandListener(&recorder);
+    MenuCommand select("Select", 35), exitCommand("Exit", 17);
+    box.addCommand(&select);
+    box.addCommand(&exitCommand);
+    display->setCurrent(&box);
+    EXPECT_TRUE(snap()["softKeys"].empty());
+    EXPECT_FALSE(display->pressKey(Key::SoftKey1));
+
+    press({Key::Hash});
+    EXPECT_TRUE(box.isContextMenuDisplayed());
+    EXPECT_EQ(box.getText(), "") << "the menu key types nothing";
+    press({Key::Up, Key::Ok});
+    ASSERT_EQ(recorder.calls().size(), 1u);
+    EXPECT_EQ(recorder.calls()[0].command, &exitCommand) << "the menu wraps upwards to the last entry";
+    EXPECT_EQ(recorder.calls()[0].displayable, &box);
+    press({Key::Hash, Key::Back});
+    EXPECT_FALSE(box.isContextMenuDisplayed());
+    EXPECT_EQ(recorder.calls().size(), 1u);
+}
+
+TEST_F(DisplayTest, PopupsShowOverTheScreenAndTakeTheKeys) {
+    List list(1);
+    list.addCommandListener(&recorder);
+    list.append("one|1|first");
+    list.append("two||");
+    display->setCurrent(&list);
+
+    Command cancel(TranslationInfo("command.cancel"), Command::CANCEL);
+    MenuCommand dismiss("Dismiss", 15);
+    Alert alert("Careful", "Something happened", nullptr, ALERT_WARNING);
+    alert.addCommandListener(&recorder);
+    alert.addCommand(&dismiss);
+    alert.addCommand(&cancel);
+    display->setCurrent(&alert);
+    EXPECT_EQ(display->getCurrent(), &alert);
+    EXPECT_FALSE(display->isCurrentForKeyEvents(&list));
+    auto shot = snap();
+    EXPECT_EQ(shot["screen"]["kind"], "list");
+    EXPECT_EQ(shot["screen"]["rows"][0]["columns"], nlohmann::json({"one", "1", "first"}));
+    EXPECT_EQ(shot["screen"]["rows"][1]["columns"], nlohmann::json({"two"}));
+    EXPECT_EQ(shot["popup"]["kind"], "alert");
+    EXPECT_EQ(shot["popup"]["alertType"], 5);
+    EXPECT_EQ(shot["softKeys"], nlohmann::json({"Dismiss", "Cancel", "", ""}));
+
+    press({Key::Down, Key::Ok, Key::Back});
+    ASSERT_EQ(recorder.calls().size(), 2u);
+    EXPECT_EQ(recorder.calls()[0].command, &cancel);
+    EXPECT_EQ(recorder.calls()[0].displayable, &alert);
+    EXPECT_EQ(recorder.calls()[1].command, &dismiss) << "Back dismisses with the first command";
+
+    display->setCurrent(nullptr);
+    EXPECT_TRUE(snap()["screen"].is_null());
+    display->setCurrent(&alert);
+    EXPECT_EQ(snap()["screen"]["kind"], "list") << "the popup comes back over the last screen";
+
+    PopupConfirm confirm(true);
+    confirm.setState(1);
+    confirm.addCommandListener(&recorder);
+    MenuCommand back("Back", 15), stay("Cancel", 16);
+    confirm.addCommand(&back);
+    confirm.addCommand(&stay);
+    display->setCurrent(&confirm);
+    recorder.clear();
+    press({Key::Down});
+    EXPECT_EQ(confirm.getSelectedIndex(), 1);
+    EXPECT_EQ(confirm.getSelectedCommand(), &stay);
+    press({Key::Ok, Key::Back});
+    ASSERT_EQ(recorder.calls().size(), 2u);
+    EXPECT_EQ(recorder.calls()[0].command, &stay);
+    EXPECT_EQ(recorder.calls()[0].displayable, &confirm);
+    EXPECT_EQ(recorder.calls()[1].type, Command::BACK);
+
+    display->setCurrent(&list);
+    EXPECT_TRUE(snap()["popup"].is_null()) << "a full screen closes the popup";
+    recorder.clear();
+    press({Key::Down, Key::Ok, Key::Right, Key::Left, Key::Back});
+    EXPECT_EQ(list.getSelectedIndex(), 1);
+    EXPECT_EQ(recorder.types(),
+              (std::vector<int>{Command::OK, Command::RIGHT, Command::SKIP_BACK, Command::BACK}));
+}
+
+TEST_F(DisplayTest, ListKindsTablesAndPlayersHandleTheirKeys) {
+    ExclusiveList exclusive;
+    exclusive.addCommandListener(&recorder);
+    auto* options = new ListItem(TranslationInfo("list.options"), true);
+    exclusive.append("a");
+    exclusive.append("b");
+    exclusive.insert(options, 0);
+    options->setActiveFontColour(false);
+    EXPECT_EQ(exclusive.getSelectedIndex(), 1) << "inserting above keeps the focused row";
+    display->setCurrent(&exclusive);
+    press({Key::Up});
+    auto rows = snap()["screen"]["rows"];
+    EXPECT_EQ(rows[0]["columns"][0], "Options");
+    EXPECT_EQ(rows[0]["grey"], true);
+    EXPECT_EQ(rows[0]["chosen"], true);
+
+    MultipleList multiple;
+    multiple.addCommandListener(&recorder);
+    multiple.append("x");
+    multiple.append("y");
+    multiple.append("z");
+    multiple.setSelectedFlags({true, false});
+    display->setCurrent(&multiple);
+    recorder.clear();
+    press({Key::Down, Key::Ok, Key::Down, Key::Ok, Key::Ok});
+    EXPECT_EQ(multiple.getSelectedFlags(), (std::list<bool>{true, true, false}));
+    EXPECT_TRUE(recorder.calls().empty()) << "ticking is the list's own business";
+
+    Table table(1, 2, true);
+    table.addCommandListener(&recorder);
+    table.setText(0, 0, "Name");
+    table.setText(0, 5, "ignored");
+    table.setWrapAround(false);
+    for (int i = 0; i < 2; ++i) {
+        auto* row = new TableItem(2, 2);
+        row->setOwnerId(100 + i);
+        row->setText(1, 1, "cell");
+        row->setActiveFontColour(1, 1, false);
+        row->setText(9, 9, "ignored");
+        table.append(row);
+    }
+    display->setCurrent(&table);
+    EXPECT_EQ(table.getSelected()->getOwnerId(), 100u);
+    press({Key::Up});
+    EXPECT_EQ(table.getSelected(), nullptr) << "above the first row the table has no focused row";
+    press({Key::Down, Key::Down, Key::Down});
+    EXPECT_EQ(table.getSelectedIndex(), 1);
+    const auto screen = snap()["screen"];
+    EXPECT_EQ(screen["header"]["lines"][0][0]["text"], "Name");
+    EXPECT_EQ(screen["rows"][1]["lines"][1][1]["grey"], true);
+
+    PopupPlayer player;
+    player.addCommandListener(&recorder);
+    player.setState(PLAYER_STOPPED, PLAYER_MODE_RECORD);
+    player.setProgressBarMaxValue(50);
+    player.setProgressBarValue(80);
+    EXPECT_EQ(player.getProgressBarValue(), 50);
+    display->setCurrent(&player);
+    recorder.clear();
+    press({Key::Ok});
+    player.setState(PLAYER_PLAYING, PLAYER_MODE_CALL);
+    press({Key::Ok, Key::Digit5, Key::Hash, Key::Back});
+    const auto calls = recorder.calls();
+    ASSERT_EQ(calls.size(), 5u);
+    EXPECT_EQ(calls[0].command, PopupPlayer::RECORD());
+    EXPECT_EQ(calls[1].type, Command::PAUSE);
+    EXPECT_EQ(calls[2].type, Command::STOP);
+    EXPECT_EQ(calls[3].command, PopupPlayer::CONFIRM());
+    EXPECT_EQ(calls[4].type, Command::CANCEL);
+}
+
+TEST(DisplayImage, FormatAndSizeComeFromTheHeader) {
+    const unsigned char png[] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n', 0, 0, 0, 13,
+                                 'I',  'H', 'D', 'R', 0,    0,    1,    2,    0, 0, 0, 3};
+    const char gif[] = "GIF89a\x10\x00\x20\x00";
+    unsigned char bmp[26] = {'B', 'M'};
+    bmp[18] = 40;
+    bmp[22] = 0xF6; // -10: a top-down bitmap
+    bmp[23] = bmp[24] = bmp[25] = 0xFF;
+    const unsigned char jpeg[] = {0xFF, 0xD8, 0xFF, 0xE0, 0, 4, 0, 0, 0xFF, 0xC0, 0, 11, 8, 0, 48, 0, 64};
+
+    DisplayAPI::Image pngImage(reinterpret_cast<const char*>(png), sizeof png);
+    EXPECT_EQ(pngImage.getKind(), "png");
+    EXPECT_EQ(pngImage.getWidth(), 258);
+    EXPECT_EQ(pngImage.getHeight(), 3);
+    DisplayAPI::Image gifImage(gif, 10);
+    EXPECT_EQ(gifImage.getKind(), "gif");
+    EXPECT_EQ(gifImage.getWidth(), 16);
+    EXPECT_EQ(gifImage.getHeight(), 32);
+    DisplayAPI::Image bmpImage(reinterpret_cast<const char*>(bmp), sizeof bmp);
+    EXPECT_EQ(bmpImage.getKind(), "bmp");
+    EXPECT_EQ(bmpImage.getHeight(), 10);
+    DisplayAPI::Image jpegImage(reinterpret_cast<const char*>(jpeg), sizeof jpeg);
+    EXPECT_EQ(jpegImage.getKind(), "jpeg");
+    EXPECT_EQ(jpegImage.getWidth(), 64);
+    EXPECT_EQ(jpegImage.getHeight(), 48);
+
+    EXPECT_TRUE(DisplayAPI::Image(reinterpret_cast<const char*>(png), 20).isBroken()) << "truncated header";
+    EXPECT_TRUE(DisplayAPI::Image("text, not a picture", 19).isBroken());
+    EXPECT_TRUE(DisplayAPI::Image(nullptr, 5).isBroken());
+    EXPECT_TRUE(DisplayAPI::Image(reinterpret_cast<const char*>(jpeg), 12).isBroken());
+    EXPECT_TRUE(DisplayAPI::Image(std::string()).isBroken());
+    EXPECT_TRUE(DisplayAPI::Image(std::string("/no/such/picture.png")).isBroken());
+    EXPECT_EQ(DisplayAPI::Image(std::string(":/images/Skin1_CS/05_Icons/home.png")).getKind(), "resource");
+}
