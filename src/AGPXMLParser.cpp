@@ -10,6 +10,7 @@
 #include "AGPCommonBase.h"
 #include "AGPLog.h"
 #include "AGPObjectMap.h"
+#include "AGPPhonelet.h"
 #include "AGPPhoneletManager.h"
 #include "threads/Semaphore.h"
 
@@ -69,7 +70,7 @@ bool AGPXMLParser::parseXMLData(std::string& data, AGPCommonBase*& root) {
         const std::string text =
             "XML parser error\nLine: " + std::to_string(XML_GetCurrentLineNumber(mXMLParser)) + "\n" +
             XML_ErrorString(XML_GetErrorCode(mXMLParser));
-        // The phonelet shows the error document with this text once it is registered.
+        showParseError(text);
         AGP_LOG(5, "%s", text.c_str());
         deletePartialTree(state);
     }
@@ -80,6 +81,14 @@ bool AGPXMLParser::parseXMLData(std::string& data, AGPCommonBase*& root) {
         root = state.mRoot;
     }
     return parsed;
+}
+
+// A parser used without a phonelet (tests, tools) only logs the error.
+void AGPXMLParser::showParseError(std::string text) {
+    AGPPhonelet* phonelet = AGPPhoneletManager::getAGPPhonelet();
+    if (phonelet != nullptr) {
+        phonelet->displayErrorRequest("xml.app.error.parser", text);
+    }
 }
 
 // One call for the whole document, as the final piece; only a document beyond the range of

@@ -49,6 +49,7 @@ private:
                                       const XML_Char* notationName);
 
     bool parseWhole(std::string& data);
+    void showParseError(std::string text);
     void deleteRefusedChild(AGPXMLParseState& state);
     void deletePartialTree(AGPXMLParseState& state);
 

@@ -3,8 +3,11 @@
 
 #include <algorithm>
 
+#include "AGPDataObserver.h"
 #include "AGPMessage.h"
+#include "AGPMessageQueueHandler.h"
 #include "AGPObjectMap.h"
+#include "AGPPhonelet.h"
 #include "AGPPhoneletManager.h"
 
 AGPCommonBase::AGPCommonBase() : mAGPId(0), mQueueID(0), mParent(nullptr) {}
@@ -46,9 +49,21 @@ void AGPCommonBase::reDisplayElement() {}
 
 void AGPCommonBase::reDisplayElement2ndRound() {}
 
-// Remote trace needs the phonelet's trace URL and the message queues; until they are registered
-// there is nowhere to send the text.
-void AGPCommonBase::remoteTrace(const std::string&) {}
+// The text goes through this element's own queue, so that it is sent in order with the tab's work.
+void AGPCommonBase::remoteTrace(const std::string& text) {
+    AGPPhonelet* phonelet = AGPPhoneletManager::getAGPPhonelet();
+    AGPMessageQueueHandler* queues = AGPPhoneletManager::findAGPMessageQueueHandler();
+    if (phonelet == nullptr || queues == nullptr) {
+        return;
+    }
+    const std::string url = phonelet->getApplicationURL(AGPPhonelet::REMOTE_TRACE_URL, "", "", "");
+    if (url.empty()) {
+        return;
+    }
+    AGPMessage message(AGPMessage::UrlRequest_Remote_Trace, url);
+    message.data = text;
+    queues->addToMessageQueue(message, mQueueID);
+}
 
 AGPCommonBase* AGPCommonBase::getRootElement() {
     AGPCommonBase* element = this;

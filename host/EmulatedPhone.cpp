@@ -1,0 +1,105 @@
+// The emulated phone: the platform's event thread, display and services around one phonelet.
+#include "EmulatedPhone.h"
+
+#include "phonelet/Phonelet.h"
+
+EmulatedPhone::EmulatedPhone(const PhoneOptions& options)
+    : mDisplay(mLoop, options.model), mConfiguration(mLoop), mHttp(options.extraCaFile), mKeypad(mLoop),
+      mCallControl(mLoop), mPhoneletManager(mLoop, this) {
+    mContext.setDisplay(&mDisplay);
+    mContext.setApplicationName(options.applicationName);
+    mContext.setLocale(options.locale);
+    mContext.setDateFormat(options.dateFormat);
+    mContext.setTimeFormat(options.timeFormat);
+    registerServices();
+}
+
+EmulatedPhone::~EmulatedPhone() {
+    stop();
+    mLoop.stop();
+}
+
+void EmulatedPhone::registerServices() {
+    mContext.setService("LocalMgmtIfc", &mConfiguration);
+    mContext.setService("DirectoryServiceIfc", &mDirectory);
+    mContext.setService("PhoneletManagerIfc", &mPhoneletManager);
+    mContext.setService("CSTAServiceIfc", &mCallControl);
+    mContext.setService("PhysicalInterfaceServiceIfc", &mKeypad);
+    mContext.setService("ClockServiceIfc", &mClock);
+    mContext.setService("MediaControlServiceIfc", &mMedia);
+    mContext.setService("HttpServiceIfc", &mHttp);
+}
+
+bool EmulatedPhone::loadPhonelet(const std::string& pluginPath, std::string& error) {
+    if (!mPlugin.load(pluginPath, error)) {
+        return false;
+    }
+    bool ok = false;
+    mLoop.runAndWait([&] {
+        mPhonelet = mPlugin.createPhonelet();
+        if (mPhonelet == nullptr) {
+            error = "the phonelet plug-in " + pluginPath + " created no phonelet";
+            return;
+        }
+        mPhoneletManager.registerPhonelet(*mPhonelet, mContext.getApplicationName());
+        mPhonelet->init(mContext);
+        ok = true;
+    });
+    return ok;
+}
+
+void EmulatedPhone::start() {
+    mLoop.runAndWait([this] {
+        if (mPhonelet != nullptr) {
+            mPhonelet->startPhonelet();
+            mPhonelet->show();
+            mPhoneletManager.setFrontPhonelet(mPhonelet->GetPhoneletName());
+        }
+    });
+}
+
+void EmulatedPhone::stop() {
+    mLoop.runAndWait([this] { stopOnLoop(); });
+}
+
+// Transfers under way would hold the stop for their whole time-out; the phone is going, so
+// they are cut short.
+void EmulatedPhone::stopOnLoop() {
+    if (mPhonelet == nullptr) {
+        return;
+    }
+    Phonelet* phonelet = mPhonelet;
+    mPhonelet = nullptr;
+    phonelet->hide();
+    mHttp.abortAll();
+    phonelet->stopPhonelet();
+    delete phonelet;
+}
+
+int EmulatedPhone::push(const std::string& pushData, const std::string& appName, int pushType) {
+    int result = -1;
+    mLoop.runAndWait([&] {
+        if (mPhonelet != nullptr) {
+            result = mPhonelet->push(pushData, appName, pushType);
+        }
+    });
+    return result;
+}
+
+bool EmulatedPhone::isRunning() const {
+    return mPhonelet != nullptr;
+}
+
+void EmulatedPhone::bringToFront(Phonelet& phonelet, bool) {
+    phonelet.show();
+}
+
+void EmulatedPhone::sendToBack(Phonelet& phonelet) {
+    phonelet.hide();
+}
+
+void EmulatedPhone::stopPhonelet(Phonelet& phonelet) {
+    if (&phonelet == mPhonelet) {
+        stopOnLoop();
+    }
+}

@@ -1,0 +1,85 @@
+// The emulated phone: the platform's event thread, display and services around one phonelet.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "PluginLoader.h"
+#include "clock/ClockService.h"
+#include "config/ConfigurationStore.h"
+#include "csta/EmulatedCallControl.h"
+#include "directory/DirectoryService.h"
+#include "display/Display.h"
+#include "events/EventLoop.h"
+#include "http/CurlHttpService.h"
+#include "media/MediaControlService.h"
+#include "phonelet/Context.h"
+#include "phonelet/PhoneletHost.h"
+#include "phonelet/PhoneletManager.h"
+#include "physical/PhysicalInterfaceService.h"
+
+struct PhoneOptions {
+    DisplayAPI::DisplayModel model;
+    std::string applicationName;
+    std::string locale = "en";
+    std::string dateFormat = "DD.MM.YYYY";
+    std::string timeFormat = "24HR";
+    std::string extraCaFile;
+};
+
+// Every life-cycle call reaches the phonelet on the event thread, as on the phone. The phone
+// stops and deletes its phonelet itself when the phonelet asks to stop (exit command).
+class EmulatedPhone : public PhoneletHost {
+public:
+    explicit EmulatedPhone(const PhoneOptions& options);
+    // Stops the phonelet if it still runs, then the event thread.
+    ~EmulatedPhone() override;
+    EmulatedPhone(const EmulatedPhone&) = delete;
+    EmulatedPhone& operator=(const EmulatedPhone&) = delete;
+
+    // Loads the plug-in, creates the phonelet, registers it and calls init. False with a reason.
+    bool loadPhonelet(const std::string& pluginPath, std::string& error);
+    // startPhonelet, then show.
+    void start();
+    // hide, stopPhonelet and delete; idempotent.
+    void stop();
+    // The host's push entry; 0 refused, 1 accepted, -1 without a phonelet.
+    int push(const std::string& pushData, const std::string& appName, int pushType);
+    bool isRunning() const;
+
+    // Takes a service away from the context, as on a phone where it is missing.
+    void removeService(const std::string& name) { mContext.setService(name, nullptr); }
+
+    EventLoop& loop() { return mLoop; }
+    DisplayAPI::Display& display() { return mDisplay; }
+    ConfigurationStore& configuration() { return mConfiguration; }
+    CurlHttpService& http() { return mHttp; }
+    PhoneletManager& phoneletManager() { return mPhoneletManager; }
+    PhysicalInterfaceService& keypad() { return mKeypad; }
+    EmulatedCallControl& callControl() { return mCallControl; }
+    MediaControlService& media() { return mMedia; }
+    DirectoryService& directory() { return mDirectory; }
+    Context& context() { return mContext; }
+
+    void bringToFront(Phonelet& phonelet, bool forced) override;
+    void sendToBack(Phonelet& phonelet) override;
+    void stopPhonelet(Phonelet& phonelet) override;
+
+private:
+    void registerServices();
+    void stopOnLoop();
+
+    EventLoop mLoop;
+    DisplayAPI::Display mDisplay;
+    ConfigurationStore mConfiguration;
+    CurlHttpService mHttp;
+    ClockService mClock;
+    MediaControlService mMedia;
+    DirectoryService mDirectory;
+    PhysicalInterfaceService mKeypad;
+    EmulatedCallControl mCallControl;
+    PhoneletManager mPhoneletManager;
+    Context mContext;
+    PluginLoader mPlugin;
+    Phonelet* mPhonelet = nullptr;
+};

@@ -1,0 +1,217 @@
+// The phonelet loaded as a plug-in into the emulated phone, against a loopback application server.
+#include <gtest/gtest.h>
+#include <httplib.h>
+
+#include <chrono>
+#include <mutex>
+#include <nlohmann/json.hpp>
+#include <thread>
+
+#include "EmulatedPhone.h"
+#include "logging/LogCapture.h"
+
+namespace {
+
+// A loopback application server that records every request it receives.
+class ApplicationServer {
+public:
+    ApplicationServer() {
+        mServer.Get(".*", [this](const httplib::Request& request, httplib::Response& response) {
+            record(request);
+            response.set_content(mDocument, "text/xml");
+        });
+        mPort = mServer.bind_to_any_port("127.0.0.1");
+        mThread = std::thread([this] { mServer.listen_after_bind(); });
+        while (!mServer.is_running()) {
+            std::this_thread::yield();
+        }
+    }
+    ~ApplicationServer() {
+        mServer.stop();
+        mThread.join();
+    }
+
+    int port() const { return mPort; }
+    // Path and query of every request, in arrival order.
+    std::vector<std::string> requests() {
+        std::lock_guard<std::mutex> lock(mMutex);
+        return mRequests;
+    }
+    bool waitForRequests(size_t count) {
+        for (int i = 0; i < 500 && requests().size() < count; ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        return requests().size() >= count;
+    }
+
+private:
+    void record(const httplib::Request& request) {
+        std::string query;
+        for (const auto& parameter : request.params) {
+            query += (query.empty() ? "?" : "&") + parameter.first + "=" + parameter.second;
+        }
+        std::lock_guard<std::mutex> lock(mMutex);
+        mRequests.push_back(request.path + query);
+    }
+
+    httplib::Server mServer;
+    int mPort = 0;
+    std::thread mThread;
+    std::mutex mMutex;
+    std::vector<std::string> mRequests;
+    std::string mDocument = "<Text>not a screen</Text>";
+};
+
+PhoneOptions weatherPhone() {
+    PhoneOptions options;
+    options.applicationName = "Weather";
+    return options;
+}
+
+class PhoneletPlugin : public ::testing::Test {
+protected:
+    void configure(std::vector<std::pair<std::string, std::string>> extra = {}) {
+        std::vector<std::pair<std::string, std::string>> values = {
+            {"app-name-1", "Weather"},
+            {"server-addr-1", "127.0.0.1"},
+            {"server-port-1", std::to_string(mServer.port())},
+            {"transport-1", "http"},
+            {"program-name-1", "app/start"},
+            {"num-tabs-1", "0"},
+            {"ipaddress", "192.0.2.55"},
+            {"ip-protocol-mode", "IPv4"},
+            {"currentPhoneNumber", "3100"},
+            {"language", "en"}};
+        values.insert(values.end(), extra.begin(), extra.end());
+        ASSERT_TRUE(mPhone.configuration().setValues(values));
+    }
+    void load() {
+        std::string error;
+        ASSERT_TRUE(mPhone.loadPhonelet(AGP_PLUGIN_PATH, error)) << error;
+    }
+    std::string screenText() {
+        mPhone.display().waitUntilSettled();
+        return mPhone.display().snapshot().dump();
+    }
+
+    ApplicationServer mServer;
+    EmulatedPhone mPhone{weatherPhone()};
+};
+
+} // namespace
+
+TEST(PluginLoader, ReportsWhatIsWrong) {
+    PluginLoader loader;
+    std::string error;
+    EXPECT_FALSE(loader.load("/nonexistent/libagpphonelet.so", error));
+    EXPECT_NE(error.find("cannot load the phonelet plug-in /nonexistent/libagpphonelet.so"),
+              std::string::npos);
+    EXPECT_EQ(loader.createPhonelet(), nullptr);
+}
+
+TEST_F(PhoneletPlugin, StartsRequestsTheApplicationAndShutsDownCleanly) {
+    LogCapture log(5);
+    configure();
+    load();
+    mPhone.start();
+    ASSERT_TRUE(mServer.waitForRequests(1));
+    EXPECT_EQ(mServer.requests()[0], "/app/start?devicetype=Veltria&ipaddress=192.0.2.55&phonenumber=3100");
+    EXPECT_NE(screenText().find("Starting application..."), std::string::npos);
+    EXPECT_TRUE(log.contains("AGPPhonelet", 5, "AGPPhonelet started\n"));
+    EXPECT_TRUE(log.contains("AGPXMLParser", 5, "AGPXMLParser started successfully"));
+
+    mPhone.stop();
+    EXPECT_TRUE(log.contains("AGPPhonelet", 5, "AGPPhonelet::shutdown() complete\n"));
+    EXPECT_TRUE(log.contains("AGPMessageQueueHandler", 5, "Destroy AGPMessageQueueHandler"));
+    EXPECT_FALSE(mPhone.isRunning());
+}
+
+TEST_F(PhoneletPlugin, TabModeStartsEveryTabWithItsName) {
+    configure({{"num-tabs-1", "3"},
+               {"app-all-tabs-start-1", "true"},
+               {"tab1-app-name-1", "news"},
+               {"tab2-app-name-1", "sport"},
+               {"tab3-app-name-1", "mail"},
+               {"tab1-display-name-1", "News"}});
+    load();
+    mPhone.start();
+    ASSERT_TRUE(mServer.waitForRequests(3));
+    std::vector<std::string> requests = mServer.requests();
+    std::sort(requests.begin(), requests.end());
+    const std::string base =
+        "/app/start?devicetype=Veltria&ipaddress=192.0.2.55&phonenumber=3100&tab=internal:";
+    EXPECT_EQ(requests, (std::vector<std::string>{base + "mail", base + "news", base + "sport"}));
+    EXPECT_NE(screenText().find("News"), std::string::npos) << "the tab bar shows the configured label";
+}
+
+TEST_F(PhoneletPlugin, PushesAreCheckedAndQueued) {
+    LogCapture log(5);
+    configure();
+    load();
+    EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1&ProgramName=early", "Weather", 1), 1)
+        << "kept until start-up";
+    mPhone.start();
+    ASSERT_TRUE(mServer.waitForRequests(1));
+    EXPECT_EQ(mServer.requests()[0], "/early?devicetype=Veltria&ipaddress=192.0.2.55&phonenumber=3100")
+        << "an early push replaces the start-up request and carries the phone's parameters";
+
+    EXPECT_EQ(
+        mPhone.push("ServerAddr=127.0.0.1&ProgramName=later&ServerContextKey=k&ServerContextValue=v%2Fw",
+                    "Weather", 4),
+        1);
+    ASSERT_TRUE(mServer.waitForRequests(2));
+    EXPECT_EQ(mServer.requests()[1], "/later?k=v/w");
+
+    EXPECT_EQ(mPhone.push("ServerAddr=192.0.2.99&ProgramName=other", "Weather", 1), 1);
+    EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1&ProgramName=unknown-app", "Nobody", 1), 1);
+    EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1&ProgramName=bad-type", "Weather", 9), 1);
+    EXPECT_TRUE(log.contains("AGPPhonelet", 5, "pushInternal: server address doesn't match"));
+    mPhone.stop();
+    EXPECT_EQ(mServer.requests().size(), 2u)
+        << "wrong server, unknown application and unknown type send nothing";
+    EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1", "Weather", 1), -1);
+}
+
+TEST_F(PhoneletPlugin, MissingServicesAndConfigurationFailStartUp) {
+    LogCapture log(5);
+    configure();
+    mPhone.removeService("HttpServiceIfc");
+    load();
+    mPhone.start();
+    EXPECT_TRUE(log.contains("AGPPhonelet", 2, "Can't find Http Ifc Service"));
+    const std::string screen = screenText();
+    EXPECT_NE(screen.find("Starting application..."), std::string::npos);
+    EXPECT_NE(screen.find("The application could not be started"), std::string::npos);
+    EXPECT_TRUE(mServer.requests().empty());
+}
+
+TEST_F(PhoneletPlugin, UnknownApplicationNameStopsBeforeTheStartUpScreen) {
+    LogCapture log(5);
+    configure({{"app-name-1", "weather"}});
+    load();
+    mPhone.start();
+    EXPECT_TRUE(log.contains("AGPDataObserver", 5, "Couldn't find index of XML Application [Weather]"));
+    EXPECT_TRUE(log.contains("AGPPhonelet", 2, "Failed to update XML application configuration"));
+    EXPECT_EQ(screenText().find("Starting application..."), std::string::npos);
+}
+
+TEST_F(PhoneletPlugin, NetworkFailureShowsTheErrorDocument) {
+    LogCapture log(5);
+    configure({{"server-port-1", "1"}});
+    load();
+    mPhone.start();
+    for (int i = 0; i < 500 && log.texts("AGPPhonelet").size() < 20; ++i) {
+        if (log.contains(
+                "AGPPhonelet", 5,
+                "displayErrorRequest: xml.app.error.network, Network connection error\nRequested URI: "
+                "http://127.0.0.1:1/app/start?ipaddress=192.0.2.55&phonenumber=3100&devicetype=Veltria")) {
+            break;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    EXPECT_TRUE(log.contains(
+        "AGPPhonelet", 5,
+        "displayErrorRequest: xml.app.error.network, Network connection error\nRequested URI: "
+        "http://127.0.0.1:1/app/start?ipaddress=192.0.2.55&phonenumber=3100&devicetype=Veltria"));
+    EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1", "Weather", 1), 0) << "pushes are refused after an error";
+}
