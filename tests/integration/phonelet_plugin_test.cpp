@@ -3,6 +3,7 @@
 #include <httplib.h>
 
 #include <chrono>
+#include <condition_variable>
 #include <mutex>
 #include <nlohmann/json.hpp>
 #include <thread>
@@ -18,6 +19,11 @@ public:
     ApplicationServer() {
         mServer.Get(".*", [this](const httplib::Request& request, httplib::Response& response) {
             record(request);
+            if (request.path == "/slow") {
+                // Answers only when the test ends, like a server that hangs.
+                std::unique_lock<std::mutex> lock(mMutex);
+                mReleased.wait(lock, [this] { return mReleaseSlow; });
+            }
             response.set_content(mDocument, "text/xml");
         });
         mPort = mServer.bind_to_any_port("127.0.0.1");
@@ -27,6 +33,11 @@ public:
         }
     }
     ~ApplicationServer() {
+        {
+            std::lock_guard<std::mutex> lock(mMutex);
+            mReleaseSlow = true;
+        }
+        mReleased.notify_all();
         mServer.stop();
         mThread.join();
     }
@@ -59,6 +70,8 @@ private:
     std::thread mThread;
     std::mutex mMutex;
     std::vector<std::string> mRequests;
+    std::condition_variable mReleased;
+    bool mReleaseSlow = false;
     std::string mDocument = "<Text>not a screen</Text>";
 };
 
@@ -183,6 +196,74 @@ TEST_F(PhoneletPlugin, MissingServicesAndConfigurationFailStartUp) {
     EXPECT_NE(screen.find("Starting application..."), std::string::npos);
     EXPECT_NE(screen.find("The application could not be started"), std::string::npos);
     EXPECT_TRUE(mServer.requests().empty());
+}
+
+TEST(PhoneletPluginServices, EachMissingServiceFailsStartUpWithItsText) {
+    const std::pair<const char*, const char*> services[] = {
+        {"DirectoryServiceIfc", "Can't find Directory Service"},
+        {"PhoneletManagerIfc", "Can't find PhoneletManager Service"},
+        {"CSTAServiceIfc", "Can't find CSTA Service"},
+        {"PhysicalInterfaceServiceIfc", "Can't find Physical Ifc Service"},
+        {"ClockServiceIfc", "Can't find Clock Ifc Service"},
+        {"MediaControlServiceIfc", "Can't find Media Control Service"},
+    };
+    for (const auto& service : services) {
+        LogCapture log(2);
+        EmulatedPhone phone(weatherPhone());
+        phone.configuration().setValues({{"app-name-1", "Weather"}, {"program-name-1", "start"}});
+        phone.removeService(service.first);
+        std::string error;
+        ASSERT_TRUE(phone.loadPhonelet(AGP_PLUGIN_PATH, error)) << error;
+        phone.start();
+        EXPECT_TRUE(log.contains("AGPPhonelet", 2, service.second)) << service.first;
+        phone.display().waitUntilSettled();
+        EXPECT_NE(phone.display().snapshot().dump().find("The application could not be started"), std::string::npos)
+            << service.first;
+    }
+    LogCapture log(2);
+    EmulatedPhone phone(weatherPhone());
+    phone.removeService("LocalMgmtIfc");
+    std::string error;
+    ASSERT_TRUE(phone.loadPhonelet(AGP_PLUGIN_PATH, error)) << error;
+    phone.start();
+    EXPECT_TRUE(log.contains("AGPPhonelet", 2, "Can't find VEXA Service"));
+}
+
+TEST_F(PhoneletPlugin, OddTabCountsAndProgramNamesRequestNothing) {
+    for (const char* numTabs : {"5", "x", ""}) {
+        LogCapture log(5);
+        EmulatedPhone phone(weatherPhone());
+        phone.configuration().setValues({{"app-name-1", "Weather"},
+                                         {"server-addr-1", "127.0.0.1"},
+                                         {"server-port-1", std::to_string(mServer.port())},
+                                         {"transport-1", "http"},
+                                         {"program-name-1", "start"}});
+        phone.configuration().setValue("num-tabs-1", numTabs);
+        std::string error;
+        ASSERT_TRUE(phone.loadPhonelet(AGP_PLUGIN_PATH, error)) << error;
+        phone.start();
+        const std::string queues = std::string(numTabs) == "5" ? "6" : "1";
+        EXPECT_TRUE(log.contains("AGPMessageQueueHandler", 5, "Creating " + queues + " messageQueues")) << numTabs;
+        phone.stop();
+    }
+    configure({{"program-name-1", ""}});
+    load();
+    mPhone.start();
+    mPhone.stop();
+    EXPECT_TRUE(mServer.requests().empty()) << "tab counts of 4 or more, unreadable ones and no program: no request";
+}
+
+TEST_F(PhoneletPlugin, StopsDuringATransferAndOnlyOnce) {
+    LogCapture log(5);
+    configure({{"program-name-1", "slow"}});
+    load();
+    mPhone.start();
+    ASSERT_TRUE(mServer.waitForRequests(1));
+    mPhone.stop(); // the transfer under way is cut short instead of holding the stop
+    mPhone.stop();
+    EXPECT_FALSE(mPhone.isRunning());
+    const auto texts = log.texts("AGPPhonelet");
+    EXPECT_EQ(std::count(texts.begin(), texts.end(), "Shutting down AGP Phonelet"), 1);
 }
 
 TEST_F(PhoneletPlugin, UnknownApplicationNameStopsBeforeTheStartUpScreen) {
