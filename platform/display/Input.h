@@ -3,55 +3,51 @@
 
 #include <string>
 
+// clang-format off
 // Keys reach the library through Display::pressKey (and text through Display::typeText). A key goes
 // to the popup when one is up, else to the screen; in a tab screen to the tab bar while it has the
 // focus, else to the current tab's widget. Every resulting callback is queued on the event thread.
-// "cmd t" below means: commandAction(Command::standard(t) or the named command, widget) on the
-// widget's command listeners; "item" means itemStateChanged(item) on the form's item listeners.
+// "cmd t" means commandAction(Command::standard(t), widget) on the widget's command listeners (or
+// the named command); "item" means itemStateChanged(item) on the form's item state listeners.
 //
-// Every widget, before the table below:
-//   soft-key bar:  SoftKey k      the command on key k (its own type). With more commands than
-//                                 keys, the last key is "Options" and opens the widget's menu of
-//                                 the remaining commands.
-//   no soft keys:  #              opens the widget's built-in context menu of its commands
-//                                 (isContextMenuDisplayed() is true while it is open).
-//   menu open:     Up/Down        move in the menu (wrapping); Ok: the entry's command; Back: close.
+// Every widget first:
+//   soft-key bar     SoftKey k: the command on key k (its own type). With more commands than keys
+//                    the last key is "Options" and opens a menu of the remaining commands.
+//   no soft keys     #: opens the built-in context menu of the widget's commands, when it has any
+//                    (isContextMenuDisplayed() is true while it is open).
+//   menu open        Up/Down move (wrapping), Ok delivers the entry's command, Back or Left closes.
 //
-// Widget        | Up / Down                     | Left / Right                 | Ok                        |
-// Back
-// --------------+-------------------------------+------------------------------+---------------------------+---------
-// Form          | focus item (and choice rows); | slider -/+ (item), selection | editable text: edit/finish |
-// edit:
-//               | cmd 7 CURRENT_ITEM_CHANGED    | field entry -/+ (item unless | (item); choice: toggle     |
-//               undo; | per move; an edit in progress | it informs on Ok); editing:  | (item); popup
-//               selection:   | else | finishes first (item)         | Left deletes; Right: cmd 9   | open;
-//               informAppOnOk: cmd 6 | cmd 1 |                               |                              |
-//               with the form              |
-// List          | focus row                     | Left: cmd 13, Right: cmd 9   | cmd 6                      |
-// cmd 1 ExclusiveList | focus row (= the choice)      | Left: cmd 13, Right: cmd 9   | cmd 6 | cmd 1
-// MultipleList  | focus row                     | Left: cmd 13, Right: cmd 9   | toggles the tick           |
-// cmd 1 Table         | focus row; Up from the first  | Left: cmd 13, Right: cmd 9   | cmd 6 | cmd 1
-//               | row without wrap: no row      |                              |                            |
-// TextBox       | -                             | Left deletes, Right: cmd 9   | cmd 6                      |
-// cmd 1 Alert         | move between its commands     | -                            | highlighted command |
-// first command PopupConfirm, | move the highlight (wrapping) | Left: cmd 13                 | highlighted
-// entry's command| cmd 1 ContextMenu   |                               |                              | |
-// PopupPlayer   | Up: cmd 13, Down: cmd 14      | Left: cmd 1 (rewind),        | PLAY()/RECORD() when       |
-// cmd 2
-//               |                               | Right: cmd 9 (forward)       | stopped, else cmd 15       |
-// Tab bar       | Down: leave the bar, cmd 17   | cmd 18 / cmd 19 (the app     | leave the bar, cmd 17      |
-// -
-//               |                               | switches with nextTab)       |                            |
+// Widget         Up / Down                 Left / Right               Ok                       Back
+// -------------  ------------------------  -------------------------  -----------------------  -----------
+// Form           focus the next item or    focused slider -/+ (item); informAppOnOk item:      edit: undo;
+//                choice row; cmd 7         selection field -/+ (item  cmd 6 with the form;     else cmd 1
+//                CURRENT_ITEM_CHANGED per  unless it informs on Ok);  text: start/finish edit
+//                item move; finishes an    editing: Left deletes;     (item); choice: toggle
+//                edit first (item)         else Right: cmd 9          (item); popup field: open
+// List           focus row                 cmd 13 / cmd 9             cmd 6                    cmd 1
+// ExclusiveList  focus row (the choice)    cmd 13 / cmd 9             cmd 6                    cmd 1
+// MultipleList   focus row                 cmd 13 / cmd 9             toggle the row's tick    cmd 1
+// Table          focus row; without wrap,  cmd 13 / cmd 9             cmd 6                    cmd 1
+//                Up from row 0: no row
+// TextBox        -                         Left deletes / cmd 9       cmd 6                    cmd 1
+// Alert          highlight a command       -                          highlighted command      first command
+// PopupConfirm,  highlight (wrapping)      Left: cmd 13               highlighted entry's      cmd 1
+// ContextMenu                                                         command
+// PopupPlayer    cmd 13 / cmd 14           cmd 1 (rewind) / cmd 9     PLAY() or RECORD() when  cmd 2
+//                                          (forward)                  stopped, else cmd 15
+// Tab bar        Down: leave, cmd 17       cmd 18 / cmd 19 (the app   leave, cmd 17            -
+//                                          switches with nextTab)
 //
 // Player digits: 5 cmd 8 (stop), 0 cmd 7 (call), * cmd 12 (delete), # CONFIRM().
-// Up on the first focusable row or item (or on a widget without rows) of a widget marked
+// Up on the first focusable item or row (or on a widget without rows) of a widget marked
 // setUsedWithTab(true, tabScreen) enters that tab bar and reports cmd 16 with the tab screen to the
-// tab screen's listeners; marked with a null tab screen it reports cmd 16 with the widget itself.
+// tab screen's listeners; marked with a null tab screen, it reports cmd 16 with the widget itself.
 // Focus movement wraps unless setWrapAround(false); items that cannot take the focus are skipped.
 // Digits, * and #: typed into the text being edited (form text field, text box); digits only in
-// numeric, phone number and date/time fields. A digit, * or # that no widget used goes to the
-// keypad observer (codes: 1..9, 10 for *, 11 for #, 0 for 0) while keypad event sending is off.
-// Keys are ignored while the display is hidden.
+// numeric fields, digits and separators in date and time fields. A digit, * or # that no widget
+// used goes to the keypad observer (1..9, 10 for *, 11 for #, 0 for 0) while keypad event sending
+// is off. Keys are ignored while the display is hidden.
+// clang-format on
 
 namespace DisplayAPI {
 

@@ -24,7 +24,7 @@
 //   alert:          "text", "alertType", "image", "focus" (highlighted command)
 //   popupConfirm, contextMenu: "entries": [labels], "focus"; popupConfirm also "state"
 //   player:         "state", "mode", "progress": {"min", "max", "step", "value"}
-//   tabScreen:      "tabBar" (as above; only when a tab screen is itself a popup's screen)
+//   tabScreen:      "tabBar" (never seen as "screen": the current tab's widget stands there)
 // <item> fields: "kind", "ownerId", "label", "focusable", then by kind:
 //   textField:      "fieldType", "value" (masked for passwords), "editing", "readOnly",
 //                   "maxLength", "arrow"

@@ -18,10 +18,12 @@
 #include "display/PopupPlayer.h"
 #include "display/SelectionField.h"
 #include "display/SliderItem.h"
+#include "display/TabScreen.h"
 #include "display/Table.h"
 #include "display/TableItem.h"
 #include "display/TextBox.h"
 #include "display/TextField.h"
+#include "text/Translator.h"
 
 using namespace DisplayAPI;
 
@@ -455,4 +457,94 @@ TEST(DisplayImage, FormatAndSizeComeFromTheHeader) {
     EXPECT_TRUE(DisplayAPI::Image(std::string()).isBroken());
     EXPECT_TRUE(DisplayAPI::Image(std::string("/no/such/picture.png")).isBroken());
     EXPECT_EQ(DisplayAPI::Image(std::string(":/images/Skin1_CS/05_Icons/home.png")).getKind(), "resource");
+}
+
+namespace {
+
+// Counts live fields, to see who deletes them.
+struct CountedField : TextField {
+    static int alive;
+    CountedField() : TextField(nullptr, 0, nullptr, TextField::ANY, false) { ++alive; }
+    ~CountedField() override { --alive; }
+};
+int CountedField::alive = 0;
+
+struct CountedOptions : SelectionField {
+    static int alive;
+    CountedOptions() : SelectionField(nullptr, nullptr, nullptr, true) { ++alive; }
+    ~CountedOptions() override { --alive; }
+};
+int CountedOptions::alive = 0;
+
+} // namespace
+
+TEST_F(DisplayTest, FormsOwnTheirItemsAndOptionsAndLabelsFollowTheLanguage) {
+    Translator translator("test");
+    translator.setLanguage("en");
+    {
+        Form form;
+        form.addCommandListener(&recorder);
+        auto* field = new CountedField();
+        const TranslationInfo optionsKey("selectionfield.options", &translator);
+        field->setLabel(optionsKey);
+        form.append(field);
+        form.append(new CountedField());
+        auto* button = new ImageItem("Press", nullptr, "[button]");
+        button->setInformAppOnOk(true);
+        form.append(button);
+        form.append(field); // already in the form: refused
+        EXPECT_EQ(form.size(), 3);
+        form.setFormOptions(new CountedOptions());
+        form.setFormOptions(new CountedOptions());
+        EXPECT_EQ(CountedOptions::alive, 1) << "a replaced options field is deleted";
+        display->setCurrent(&form);
+        EXPECT_EQ(snap()["screen"]["items"][0]["label"], "Options");
+        translator.setLanguage("de");
+        EXPECT_EQ(snap()["screen"]["items"][0]["label"], "Optionen");
+
+        form.setSelected(button);
+        press({Key::Ok});
+        ASSERT_EQ(recorder.types(), std::vector<int>{Command::OK});
+        EXPECT_EQ(recorder.calls()[0].displayable, &form) << "a button's Ok is reported with its form";
+        EXPECT_EQ(snap()["screen"]["items"][2]["altText"], "[button]");
+    }
+    EXPECT_EQ(CountedField::alive, 0);
+    EXPECT_EQ(CountedOptions::alive, 0);
+}
+
+TEST_F(DisplayTest, TabsShowTheirWidgetsSoftKeysAndPopupsOverTheTabScreen) {
+    TabScreen tabs(2, 1);
+    ExclusiveList list;
+    list.addCommandListener(&recorder);
+    list.append("first");
+    list.append("second");
+    MenuCommand options("Back", 15), details("Details", 34);
+    list.addCommand(&options);
+    list.addItemCommand(&details);
+    Form other;
+    tabs.addTab("List", &list, nullptr);
+    tabs.addTab("Form", &other, nullptr);
+    display->setCurrent(&tabs);
+    EXPECT_EQ(snap()["softKeys"], nlohmann::json({"Back", "Details", "", ""})) << "item commands follow";
+    press({Key::Down, Key::SoftKey2});
+    ASSERT_EQ(recorder.calls().size(), 1u);
+    EXPECT_EQ(recorder.calls()[0].command, &details);
+    EXPECT_EQ(recorder.calls()[0].displayable, &list);
+    EXPECT_EQ(list.getSelectedIndex(), 1);
+
+    Alert alert("Note", "Over the tabs", nullptr, ALERT_INFO);
+    alert.addCommandListener(&recorder);
+    Command dismiss("OK", Command::OK);
+    alert.addCommand(&dismiss);
+    display->setCurrent(&alert);
+    const auto shot = snap();
+    EXPECT_EQ(shot["tabBar"]["current"], 0);
+    EXPECT_EQ(shot["screen"]["kind"], "exclusiveList");
+    EXPECT_EQ(shot["screen"]["rows"][1]["chosen"], true);
+    EXPECT_EQ(shot["popup"]["text"], "Over the tabs");
+    press({Key::Up, Key::Ok});
+    EXPECT_EQ(list.getSelectedIndex(), 1) << "the popup takes the keys";
+    EXPECT_EQ(recorder.calls().back().command, &dismiss);
+    display->setCurrent(&tabs);
+    EXPECT_TRUE(snap()["popup"].is_null());
 }
