@@ -75,9 +75,15 @@ private:
     std::string mDocument = "<Text>not a screen</Text>";
 };
 
+// The download file is named after the application, so tests that run at the same time use
+// names of their own.
+std::string uniqueApplicationName() {
+    return std::string("Weather-") + ::testing::UnitTest::GetInstance()->current_test_info()->name();
+}
+
 PhoneOptions weatherPhone() {
     PhoneOptions options;
-    options.applicationName = "Weather";
+    options.applicationName = uniqueApplicationName();
     return options;
 }
 
@@ -85,7 +91,7 @@ class PhoneletPlugin : public ::testing::Test {
 protected:
     void configure(std::vector<std::pair<std::string, std::string>> extra = {}) {
         std::vector<std::pair<std::string, std::string>> values = {
-            {"app-name-1", "Weather"},
+            {"app-name-1", uniqueApplicationName()},
             {"server-addr-1", "127.0.0.1"},
             {"server-port-1", std::to_string(mServer.port())},
             {"transport-1", "http"},
@@ -161,7 +167,7 @@ TEST_F(PhoneletPlugin, PushesAreCheckedAndQueued) {
     LogCapture log(5);
     configure();
     load();
-    EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1&ProgramName=early", "Weather", 1), 1)
+    EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1&ProgramName=early", uniqueApplicationName(), 1), 1)
         << "kept until start-up";
     mPhone.start();
     ASSERT_TRUE(mServer.waitForRequests(1));
@@ -170,19 +176,19 @@ TEST_F(PhoneletPlugin, PushesAreCheckedAndQueued) {
 
     EXPECT_EQ(
         mPhone.push("ServerAddr=127.0.0.1&ProgramName=later&ServerContextKey=k&ServerContextValue=v%2Fw",
-                    "Weather", 4),
+                    uniqueApplicationName(), 4),
         1);
     ASSERT_TRUE(mServer.waitForRequests(2));
     EXPECT_EQ(mServer.requests()[1], "/later?k=v/w");
 
-    EXPECT_EQ(mPhone.push("ServerAddr=192.0.2.99&ProgramName=other", "Weather", 1), 1);
+    EXPECT_EQ(mPhone.push("ServerAddr=192.0.2.99&ProgramName=other", uniqueApplicationName(), 1), 1);
     EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1&ProgramName=unknown-app", "Nobody", 1), 1);
-    EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1&ProgramName=bad-type", "Weather", 9), 1);
+    EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1&ProgramName=bad-type", uniqueApplicationName(), 9), 1);
     EXPECT_TRUE(log.contains("AGPPhonelet", 5, "pushInternal: server address doesn't match"));
     mPhone.stop();
     EXPECT_EQ(mServer.requests().size(), 2u)
         << "wrong server, unknown application and unknown type send nothing";
-    EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1", "Weather", 1), -1);
+    EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1", uniqueApplicationName(), 1), -1);
 }
 
 TEST_F(PhoneletPlugin, MissingServicesAndConfigurationFailStartUp) {
@@ -210,14 +216,16 @@ TEST(PhoneletPluginServices, EachMissingServiceFailsStartUpWithItsText) {
     for (const auto& service : services) {
         LogCapture log(2);
         EmulatedPhone phone(weatherPhone());
-        phone.configuration().setValues({{"app-name-1", "Weather"}, {"program-name-1", "start"}});
+        phone.configuration().setValues(
+            {{"app-name-1", uniqueApplicationName()}, {"program-name-1", "start"}});
         phone.removeService(service.first);
         std::string error;
         ASSERT_TRUE(phone.loadPhonelet(AGP_PLUGIN_PATH, error)) << error;
         phone.start();
         EXPECT_TRUE(log.contains("AGPPhonelet", 2, service.second)) << service.first;
         phone.display().waitUntilSettled();
-        EXPECT_NE(phone.display().snapshot().dump().find("The application could not be started"), std::string::npos)
+        EXPECT_NE(phone.display().snapshot().dump().find("The application could not be started"),
+                  std::string::npos)
             << service.first;
     }
     LogCapture log(2);
@@ -233,7 +241,7 @@ TEST_F(PhoneletPlugin, OddTabCountsAndProgramNamesRequestNothing) {
     for (const char* numTabs : {"5", "x", ""}) {
         LogCapture log(5);
         EmulatedPhone phone(weatherPhone());
-        phone.configuration().setValues({{"app-name-1", "Weather"},
+        phone.configuration().setValues({{"app-name-1", uniqueApplicationName()},
                                          {"server-addr-1", "127.0.0.1"},
                                          {"server-port-1", std::to_string(mServer.port())},
                                          {"transport-1", "http"},
@@ -243,14 +251,16 @@ TEST_F(PhoneletPlugin, OddTabCountsAndProgramNamesRequestNothing) {
         ASSERT_TRUE(phone.loadPhonelet(AGP_PLUGIN_PATH, error)) << error;
         phone.start();
         const std::string queues = std::string(numTabs) == "5" ? "6" : "1";
-        EXPECT_TRUE(log.contains("AGPMessageQueueHandler", 5, "Creating " + queues + " messageQueues")) << numTabs;
+        EXPECT_TRUE(log.contains("AGPMessageQueueHandler", 5, "Creating " + queues + " messageQueues"))
+            << numTabs;
         phone.stop();
     }
     configure({{"program-name-1", ""}});
     load();
     mPhone.start();
     mPhone.stop();
-    EXPECT_TRUE(mServer.requests().empty()) << "tab counts of 4 or more, unreadable ones and no program: no request";
+    EXPECT_TRUE(mServer.requests().empty())
+        << "tab counts of 4 or more, unreadable ones and no program: no request";
 }
 
 TEST_F(PhoneletPlugin, StopsDuringATransferAndOnlyOnce) {
@@ -271,7 +281,8 @@ TEST_F(PhoneletPlugin, UnknownApplicationNameStopsBeforeTheStartUpScreen) {
     configure({{"app-name-1", "weather"}});
     load();
     mPhone.start();
-    EXPECT_TRUE(log.contains("AGPDataObserver", 5, "Couldn't find index of XML Application [Weather]"));
+    EXPECT_TRUE(log.contains("AGPDataObserver", 5,
+                             "Couldn't find index of XML Application [" + uniqueApplicationName() + "]"));
     EXPECT_TRUE(log.contains("AGPPhonelet", 2, "Failed to update XML application configuration"));
     EXPECT_EQ(screenText().find("Starting application..."), std::string::npos);
 }
@@ -294,5 +305,6 @@ TEST_F(PhoneletPlugin, NetworkFailureShowsTheErrorDocument) {
         "AGPPhonelet", 5,
         "displayErrorRequest: xml.app.error.network, Network connection error\nRequested URI: "
         "http://127.0.0.1:1/app/start?ipaddress=192.0.2.55&phonenumber=3100&devicetype=Veltria"));
-    EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1", "Weather", 1), 0) << "pushes are refused after an error";
+    EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1", uniqueApplicationName(), 1), 0)
+        << "pushes are refused after an error";
 }
