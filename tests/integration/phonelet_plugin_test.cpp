@@ -8,72 +8,11 @@
 #include <nlohmann/json.hpp>
 #include <thread>
 
+#include "ApplicationServer.h"
 #include "EmulatedPhone.h"
 #include "logging/LogCapture.h"
 
 namespace {
-
-// A loopback application server that records every request it receives.
-class ApplicationServer {
-public:
-    ApplicationServer() {
-        mServer.Get(".*", [this](const httplib::Request& request, httplib::Response& response) {
-            record(request);
-            if (request.path == "/slow") {
-                // Answers only when the test ends, like a server that hangs.
-                std::unique_lock<std::mutex> lock(mMutex);
-                mReleased.wait(lock, [this] { return mReleaseSlow; });
-            }
-            response.set_content(mDocument, "text/xml");
-        });
-        mPort = mServer.bind_to_any_port("127.0.0.1");
-        mThread = std::thread([this] { mServer.listen_after_bind(); });
-        while (!mServer.is_running()) {
-            std::this_thread::yield();
-        }
-    }
-    ~ApplicationServer() {
-        {
-            std::lock_guard<std::mutex> lock(mMutex);
-            mReleaseSlow = true;
-        }
-        mReleased.notify_all();
-        mServer.stop();
-        mThread.join();
-    }
-
-    int port() const { return mPort; }
-    // Path and query of every request, in arrival order.
-    std::vector<std::string> requests() {
-        std::lock_guard<std::mutex> lock(mMutex);
-        return mRequests;
-    }
-    bool waitForRequests(size_t count) {
-        for (int i = 0; i < 500 && requests().size() < count; ++i) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-        return requests().size() >= count;
-    }
-
-private:
-    void record(const httplib::Request& request) {
-        std::string query;
-        for (const auto& parameter : request.params) {
-            query += (query.empty() ? "?" : "&") + parameter.first + "=" + parameter.second;
-        }
-        std::lock_guard<std::mutex> lock(mMutex);
-        mRequests.push_back(request.path + query);
-    }
-
-    httplib::Server mServer;
-    int mPort = 0;
-    std::thread mThread;
-    std::mutex mMutex;
-    std::vector<std::string> mRequests;
-    std::condition_variable mReleased;
-    bool mReleaseSlow = false;
-    std::string mDocument = "<Text>not a screen</Text>";
-};
 
 // The download file is named after the application, so tests that run at the same time use
 // names of their own.

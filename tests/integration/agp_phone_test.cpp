@@ -1,0 +1,153 @@
+// agp-phone run as a process: arguments and files checked, pushes taken, stopped by SIGTERM.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <regex>
+
+#include "ApplicationServer.h"
+
+extern char** environ;
+
+namespace {
+
+// A running agp-phone with its standard output and error collected.
+class PhoneProcess {
+public:
+    explicit PhoneProcess(std::vector<std::string> arguments) {
+        int pipeFds[2];
+        EXPECT_EQ(pipe(pipeFds), 0);
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_adddup2(&actions, pipeFds[1], 1);
+        posix_spawn_file_actions_adddup2(&actions, pipeFds[1], 2);
+        posix_spawn_file_actions_addclose(&actions, pipeFds[0]);
+        arguments.insert(arguments.begin(), AGP_PHONE_PATH);
+        std::vector<char*> argv;
+        for (std::string& argument : arguments) {
+            argv.push_back(&argument[0]);
+        }
+        argv.push_back(nullptr);
+        EXPECT_EQ(posix_spawn(&mPid, AGP_PHONE_PATH, &actions, nullptr, argv.data(), environ), 0);
+        posix_spawn_file_actions_destroy(&actions);
+        close(pipeFds[1]);
+        mReader = std::thread([this, fd = pipeFds[0]] {
+            char buffer[4096];
+            ssize_t got;
+            while ((got = read(fd, buffer, sizeof buffer)) > 0) {
+                std::lock_guard<std::mutex> lock(mMutex);
+                mOutput.append(buffer, static_cast<size_t>(got));
+            }
+            close(fd);
+        });
+    }
+    ~PhoneProcess() {
+        if (mPid > 0) {
+            kill(mPid, SIGKILL);
+            wait();
+        }
+    }
+
+    int wait() {
+        int status = 0;
+        waitpid(mPid, &status, 0);
+        mPid = 0;
+        if (mReader.joinable()) {
+            mReader.join();
+        }
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    int stop() {
+        kill(mPid, SIGTERM);
+        return wait();
+    }
+    std::string output() {
+        std::lock_guard<std::mutex> lock(mMutex);
+        return mOutput;
+    }
+    // Waits for a line of output matching `pattern` and returns its first group.
+    std::string waitForOutput(const std::string& pattern) {
+        const std::regex expression(pattern);
+        for (int i = 0; i < 500; ++i) {
+            std::smatch match;
+            const std::string text = output();
+            if (std::regex_search(text, match, expression)) {
+                return match.size() > 1 ? match[1].str() : match[0].str();
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        return "";
+    }
+
+private:
+    pid_t mPid = 0;
+    std::thread mReader;
+    std::mutex mMutex;
+    std::string mOutput;
+};
+
+int runToEnd(const std::vector<std::string>& arguments, std::string& output) {
+    PhoneProcess phone(arguments);
+    const int status = phone.wait();
+    output = phone.output();
+    return status;
+}
+
+} // namespace
+
+TEST(AgpPhone, SaysWhatIsWrongWithArgumentsAndFiles) {
+    std::string output;
+    const std::string config = ::testing::TempDir() + "/agp-phone-bad.conf";
+    std::ofstream(config) << "app-name-1=x\nbogus-key=1\nphone.model=round\nno equals sign\n";
+    EXPECT_EQ(runToEnd({"--config", config}, output), 2);
+    EXPECT_NE(output.find(config + ":2: unknown key 'bogus-key'"), std::string::npos) << output;
+    EXPECT_NE(output.find(config + ":3: bad value 'round' for phone.model"), std::string::npos) << output;
+    EXPECT_NE(output.find(config + ":4: "), std::string::npos) << output;
+
+    EXPECT_EQ(runToEnd({"--config", "/nonexistent/phone.conf"}, output), 2);
+    EXPECT_NE(output.find("/nonexistent/phone.conf"), std::string::npos) << output;
+    EXPECT_EQ(runToEnd({"--url", "ftp://server/app"}, output), 2);
+    EXPECT_NE(output.find("must be http or https"), std::string::npos) << output;
+    EXPECT_EQ(runToEnd({"--url", "no scheme"}, output), 2);
+    EXPECT_EQ(runToEnd({"--url", "http://127.0.0.1:9/", "--push", "nowhere"}, output), 2);
+    EXPECT_EQ(runToEnd({"--render", "png"}, output), 2);
+    EXPECT_EQ(runToEnd({"--url", "http://127.0.0.1:9/", "--plugin", "/nonexistent/lib.so"}, output), 1);
+    EXPECT_NE(output.find("cannot load the phonelet plug-in /nonexistent/lib.so"), std::string::npos)
+        << output;
+    EXPECT_EQ(runToEnd({"--url", "http://127.0.0.1:9/", "--plugin", AGP_PLATFORM_PATH}, output), 1);
+    EXPECT_NE(output.find("has no createPhonelet entry"), std::string::npos) << output;
+}
+
+TEST(AgpPhone, RunsTheApplicationTakesPushesAndStopsOnSigterm) {
+    ApplicationServer server;
+    PhoneProcess phone({"--url", "http://127.0.0.1:" + std::to_string(server.port()) + "/app/start", "--app",
+                        "Phone-" + std::to_string(getpid()), "--push", "127.0.0.1:0", "--render", "text"});
+    const std::string pushPort = phone.waitForOutput("pushes to http://127.0.0.1:([0-9]+)/push");
+    ASSERT_FALSE(pushPort.empty()) << phone.output();
+    ASSERT_TRUE(server.waitForRequests(1));
+    EXPECT_EQ(server.requests()[0], "/app/start?devicetype=Veltria&ipaddress=127.0.0.1&phonenumber=100");
+    EXPECT_NE(phone.waitForOutput("Starting application\\.\\.\\."), "")
+        << "the text view shows the start screen";
+
+    httplib::Client client("127.0.0.1", std::stoi(pushPort));
+    auto pushed = client.Post("/push", "ServerAddr=127.0.0.1&ProgramName=news&Type=active",
+                              "application/x-www-form-urlencoded");
+    ASSERT_TRUE(pushed);
+    EXPECT_EQ(pushed->status, 200);
+    ASSERT_TRUE(server.waitForRequests(2));
+    EXPECT_EQ(server.requests()[1], "/news");
+    auto badType =
+        client.Post("/push", "ServerAddr=127.0.0.1&Type=loud", "application/x-www-form-urlencoded");
+    EXPECT_EQ(badType->status, 400);
+    EXPECT_NE(badType->body.find("bad Type 'loud'"), std::string::npos);
+    auto noServer = client.Post("/push", "ProgramName=x", "application/x-www-form-urlencoded");
+    EXPECT_EQ(noServer->status, 400);
+    auto huge = client.Post("/push", std::string(100 * 1024, 'x'), "application/x-www-form-urlencoded");
+    ASSERT_TRUE(huge);
+    EXPECT_EQ(huge->status, 413);
+
+    EXPECT_EQ(phone.stop(), 0) << phone.output();
+}
