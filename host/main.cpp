@@ -9,8 +9,10 @@
 #include <mutex>
 #include <nlohmann/json.hpp>
 
+#include "ControlApi.h"
 #include "EmulatedPhone.h"
 #include "PhoneConfiguration.h"
+#include "PhoneJournal.h"
 #include "PushEndpoint.h"
 #include "TextRenderer.h"
 #include "logging/LogSink.h"
@@ -23,6 +25,7 @@ struct Arguments {
     std::string application;
     std::string plugin;
     std::string push = "127.0.0.1:8085";
+    std::string http = "127.0.0.1:8080";
     std::string render = "none";
     std::string model;
     bool headless = false;
@@ -82,10 +85,10 @@ int fail(int status, const std::string& message) {
     return status;
 }
 
-// Waits for SIGINT or SIGTERM, or for the phonelet to stop by itself (its exit command).
-void runUntilStopped(EmulatedPhone& phone, const sigset_t& signals) {
+// Waits for SIGINT or SIGTERM, the control API's quit, or the phonelet to stop by itself (exit).
+void runUntilStopped(EmulatedPhone& phone, const ControlApi& control, const sigset_t& signals) {
     const timespec interval{0, 200 * 1000 * 1000};
-    while (phone.isRunning()) {
+    while (phone.isRunning() && !control.quitRequested()) {
         if (sigtimedwait(&signals, nullptr, &interval) > 0) {
             return;
         }
@@ -113,6 +116,8 @@ int main(int argc, char** argv) {
     app.add_option("--app", arguments.application, "Name of the application to start (default: entry 1)");
     app.add_option("--plugin", arguments.plugin, "Path of libagpphonelet.so (default: beside the program)");
     app.add_option("--push", arguments.push, "Push listener HOST:PORT, or off")->capture_default_str();
+    app.add_option("--http", arguments.http, "Control API (and web page) HOST:PORT, or off")
+        ->capture_default_str();
     app.add_option("--render", arguments.render, "Print every new screen: text or none")
         ->check(CLI::IsMember({"text", "none"}))
         ->capture_default_str();
@@ -148,6 +153,11 @@ int main(int argc, char** argv) {
     if (arguments.push != "off" && !splitAddress(arguments.push, pushHost, pushPort)) {
         return fail(2, "--push: expected HOST:PORT or off, got '" + arguments.push + "'");
     }
+    std::string httpHost;
+    int httpPort = 0;
+    if (arguments.http != "off" && !splitAddress(arguments.http, httpHost, httpPort)) {
+        return fail(2, "--http: expected HOST:PORT or off, got '" + arguments.http + "'");
+    }
 
     // Signals are taken by the main thread alone; every thread started later inherits the mask.
     sigset_t signals;
@@ -161,7 +171,10 @@ int main(int argc, char** argv) {
     if (!arguments.model.empty()) {
         options.model.softKeyBar = arguments.model == "soft-keys";
     }
+    PhoneJournal journal;
     EmulatedPhone phone(options);
+    phone.http().setTrafficObserver(
+        std::shared_ptr<HttpTrafficObserver>(&journal, [](HttpTrafficObserver*) {}));
     for (const auto& value : configuration.databaseValues()) {
         phone.configuration().setValue(value.first, value.second);
     }
@@ -172,6 +185,11 @@ int main(int argc, char** argv) {
     if (arguments.push != "off" && !pushEndpoint.start(pushHost, pushPort, problem)) {
         phone.stop();
         return fail(1, problem);
+    }
+    ControlApi control(phone, journal, application);
+    if (arguments.http != "off" && !control.start(httpHost, httpPort, problem)) {
+        phone.stop();
+        return fail(1, "--http: " + problem);
     }
     if (arguments.render == "text") {
         printScreenOnChange(phone);
@@ -185,10 +203,14 @@ int main(int argc, char** argv) {
         return fail(1, "the application " + application + " did not start: " + startupErrors.first());
     }
     if (arguments.push != "off") {
-        std::cout << "agp-phone: pushes to http://" << pushHost << ":" << pushEndpoint.port() << "/push\n"
-                  << std::flush;
+        std::cout << "agp-phone: pushes to http://" << pushHost << ":" << pushEndpoint.port() << "/push\n";
     }
-    runUntilStopped(phone, signals);
+    if (arguments.http != "off") {
+        std::cout << "agp-phone: control API at http://" << httpHost << ":" << control.port() << "/api/\n";
+    }
+    std::cout << std::flush;
+    runUntilStopped(phone, control, signals);
+    control.stop();
     pushEndpoint.stop();
     phone.stop();
     return 0;

@@ -124,7 +124,8 @@ TEST(AgpPhone, SaysWhatIsWrongWithArgumentsAndFiles) {
 TEST(AgpPhone, RunsTheApplicationTakesPushesAndStopsOnSigterm) {
     ApplicationServer server;
     PhoneProcess phone({"--url", "http://127.0.0.1:" + std::to_string(server.port()) + "/app/start", "--app",
-                        "Phone-" + std::to_string(getpid()), "--push", "127.0.0.1:0", "--render", "text"});
+                        "Phone-" + std::to_string(getpid()), "--push", "127.0.0.1:0", "--http", "127.0.0.1:0",
+                        "--render", "text"});
     const std::string pushPort = phone.waitForOutput("pushes to http://127.0.0.1:([0-9]+)/push");
     ASSERT_FALSE(pushPort.empty()) << phone.output();
     ASSERT_TRUE(server.waitForRequests(1));
@@ -150,4 +151,44 @@ TEST(AgpPhone, RunsTheApplicationTakesPushesAndStopsOnSigterm) {
     EXPECT_EQ(huge->status, 413);
 
     EXPECT_EQ(phone.stop(), 0) << phone.output();
+}
+
+TEST(AgpPhone, ControlApiDrivesThePhoneAndQuits) {
+    ApplicationServer server;
+    PhoneProcess phone({"--url", "http://127.0.0.1:" + std::to_string(server.port()) + "/start", "--app",
+                        "Api-" + std::to_string(getpid()), "--push", "off", "--http", "127.0.0.1:0"});
+    const std::string port = phone.waitForOutput("control API at http://127.0.0.1:([0-9]+)/api/");
+    ASSERT_FALSE(port.empty()) << phone.output();
+    ASSERT_TRUE(server.waitForRequests(1));
+    httplib::Client api("127.0.0.1", std::stoi(port));
+
+    auto screen = api.Get("/api/screen");
+    ASSERT_TRUE(screen);
+    EXPECT_NE(screen->body.find("Starting application..."), std::string::npos) << screen->body;
+    auto text = api.Get("/api/screen/text");
+    EXPECT_NE(text->body.find("Starting application..."), std::string::npos);
+    auto keys = api.Post("/api/keys", R"({"keys": ["Down", "Ok"]})", "application/json");
+    EXPECT_EQ(keys->status, 200) << keys->body;
+    EXPECT_EQ(api.Post("/api/keys", R"({"keys": ["Jump"]})", "application/json")->status, 400);
+    EXPECT_EQ(api.Post("/api/keys", R"({"keys": )", "application/json")->status, 400);
+    EXPECT_EQ(api.Post("/api/keys", R"({"keys": [], "speed": 2})", "application/json")->status, 400);
+
+    auto requests = api.Get("/api/requests");
+    EXPECT_NE(requests->body.find("/start?ipaddress=127.0.0.1"), std::string::npos) << requests->body;
+    auto log = api.Get("/api/log?module=AGPPhonelet&level=5");
+    EXPECT_NE(log->body.find("AGPPhonelet started"), std::string::npos) << log->body;
+    EXPECT_EQ(api.Post("/api/config", R"({"values": {"language": "de"}})", "application/json")->status, 200);
+    EXPECT_EQ(api.Post("/api/config", R"({"values": {"colour": "red"}})", "application/json")->status, 400);
+    EXPECT_EQ(api.Post("/api/application", R"({"action": "hide"})", "application/json")->status, 200);
+    auto state = api.Get("/api/state");
+    EXPECT_NE(state->body.find("\"shown\":false"), std::string::npos) << state->body;
+    EXPECT_EQ(api.Post("/api/push", R"({"data": "ServerAddr=127.0.0.1&ProgramName=p", "type": "queue"})",
+                       "application/json")
+                  ->status,
+              200);
+    ASSERT_TRUE(server.waitForRequests(2));
+    EXPECT_EQ(server.requests()[1], "/p");
+
+    EXPECT_EQ(api.Post("/api/quit", "", "application/json")->status, 200);
+    EXPECT_EQ(phone.wait(), 0) << phone.output();
 }
