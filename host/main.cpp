@@ -14,6 +14,7 @@
 #include "PhoneConfiguration.h"
 #include "PhoneJournal.h"
 #include "PushEndpoint.h"
+#include "ScenarioScript.h"
 #include "TextRenderer.h"
 #include "logging/LogSink.h"
 
@@ -28,6 +29,7 @@ struct Arguments {
     std::string http = "127.0.0.1:8080";
     std::string render = "none";
     std::string model;
+    std::string script;
     bool headless = false;
 };
 
@@ -124,6 +126,8 @@ int main(int argc, char** argv) {
     app.add_option("--model", arguments.model, "Phone model: soft-keys or no-soft-keys")
         ->check(CLI::IsMember({"soft-keys", "no-soft-keys"}));
     app.add_flag("--headless", arguments.headless, "Run without the web page");
+    app.add_option("--script", arguments.script,
+                   "Run a scenario script, then end (0: every expectation held)");
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
@@ -147,6 +151,13 @@ int main(int argc, char** argv) {
     const std::string application = configuration.applicationToStart(arguments.application);
     if (application.empty()) {
         return fail(2, "no application to start: give --url URL, or --config FILE with app-name-1");
+    }
+    ScenarioScript script;
+    if (!arguments.script.empty() && !script.load(arguments.script, problems)) {
+        for (const std::string& scriptProblem : problems) {
+            std::cerr << "agp-phone: " << scriptProblem << "\n";
+        }
+        return 2;
     }
     std::string pushHost;
     int pushPort = 0;
@@ -209,9 +220,18 @@ int main(int argc, char** argv) {
         std::cout << "agp-phone: control API at http://" << httpHost << ":" << control.port() << "/api/\n";
     }
     std::cout << std::flush;
-    runUntilStopped(phone, control, signals);
+    int status = 0;
+    if (!arguments.script.empty()) {
+        std::string report;
+        if (!script.run(phone, journal, report)) {
+            std::cerr << "agp-phone: " << report;
+            status = 1;
+        }
+    } else {
+        runUntilStopped(phone, control, signals);
+    }
     control.stop();
     pushEndpoint.stop();
     phone.stop();
-    return 0;
+    return status;
 }

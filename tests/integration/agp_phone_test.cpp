@@ -192,3 +192,43 @@ TEST(AgpPhone, ControlApiDrivesThePhoneAndQuits) {
     EXPECT_EQ(api.Post("/api/quit", "", "application/json")->status, 200);
     EXPECT_EQ(phone.wait(), 0) << phone.output();
 }
+
+TEST(AgpPhone, ScenarioScriptsPassFailAndReportMistakes) {
+    ApplicationServer server;
+    const std::string directory = ::testing::TempDir();
+    const std::string passing = directory + "/agp-passing.agp";
+    std::ofstream(passing) << "# The phone asks for the start page with its own address.\n"
+                              "wait request /app/start\n"
+                              "expect request ipaddress=127.0.0.1\n"
+                              "expect text \"Starting application...\"\n"
+                              "expect log \"AGPPhonelet started\"\n"
+                              "push queue ServerAddr=127.0.0.1&ProgramName=news\n"
+                              "wait request /news\n";
+    const std::vector<std::string> phone = {
+        "--url",      "http://127.0.0.1:" + std::to_string(server.port()) + "/app/start",
+        "--app",      "Script-" + std::to_string(getpid()),
+        "--headless", "--push",
+        "off",        "--http",
+        "off",        "--script"};
+    std::vector<std::string> arguments = phone;
+    arguments.push_back(passing);
+    std::string output;
+    EXPECT_EQ(runToEnd(arguments, output), 0) << output;
+
+    const std::string failing = directory + "/agp-failing.agp";
+    std::ofstream(failing)
+        << "timeout 1\nexpect text \"Starting application...\"\nwait text Weather forecast\n";
+    arguments.back() = failing;
+    EXPECT_EQ(runToEnd(arguments, output), 1);
+    EXPECT_NE(output.find(failing + ":3: wait text \"Weather forecast\" failed"), std::string::npos)
+        << output;
+    EXPECT_NE(output.find("Starting application..."), std::string::npos) << "the report shows what was seen";
+
+    const std::string broken = directory + "/agp-broken.agp";
+    std::ofstream(broken) << "press down jump\nwibble\nexpect title\n";
+    arguments.back() = broken;
+    EXPECT_EQ(runToEnd(arguments, output), 2);
+    EXPECT_NE(output.find(broken + ":1: unknown key 'jump'"), std::string::npos) << output;
+    EXPECT_NE(output.find(broken + ":2: unknown command 'wibble'"), std::string::npos) << output;
+    EXPECT_NE(output.find(broken + ":3: 'expect title' needs a text"), std::string::npos) << output;
+}
