@@ -362,4 +362,14 @@ void Displayable::describe(nlohmann::json& out) const {
     describeContent(out);
 }
 
+bool Displayable::deliverStandard(Key key, std::initializer_list<KeyCommand> table) {
+    for (const KeyCommand& entry : table) {
+        if (entry.key == key) {
+            deliver(Command::standard(entry.type));
+            return true;
+        }
+    }
+    return false;
+}
+
 } // namespace DisplayAPI

@@ -1,11 +1,13 @@
 // The base of everything the display shows: screens, popups and form items.
 #pragma once
 
+#include <initializer_list>
 #include <memory>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <vector>
 
+#include "display/Command.h"
 #include "display/Core.h"
 #include "display/Input.h"
 #include "display/MenuModel.h"
@@ -94,6 +96,13 @@ protected:
 
     // Queues commandAction(command, this) to this widget's listeners.
     void deliver(Command* command);
+    // The keys that stand for one of the library's own commands on a widget.
+    struct KeyCommand {
+        Key key;
+        Command::Type type;
+    };
+    // Delivers the library's command for `key` when `table` names one; false otherwise.
+    bool deliverStandard(Key key, std::initializer_list<KeyCommand> table);
     // Up at the top of the widget: enters the tab bar when the widget is marked for one.
     bool enterTabBarFromTop();
     bool isUsedWithTab() const { return mUsedWithTab; }

@@ -176,17 +176,9 @@ bool List::onKey(Key key) {
     case Key::Ok:
         okPressed();
         return true;
-    case Key::Back:
-        deliver(Command::standard(Command::BACK));
-        return true;
-    case Key::Left:
-        deliver(Command::standard(Command::SKIP_BACK));
-        return true;
-    case Key::Right:
-        deliver(Command::standard(Command::RIGHT));
-        return true;
     default:
-        return false;
+        return deliverStandard(
+            key, {{Key::Back, Command::BACK}, {Key::Left, Command::SKIP_BACK}, {Key::Right, Command::RIGHT}});
     }
 }
 

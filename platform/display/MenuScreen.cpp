@@ -62,14 +62,8 @@ bool MenuScreen::onKey(Key key) {
             return true;
         }
         return false;
-    case Key::Back:
-        deliver(Command::standard(Command::BACK));
-        return true;
-    case Key::Left:
-        deliver(Command::standard(Command::SKIP_BACK));
-        return true;
     default:
-        return false;
+        return deliverStandard(key, {{Key::Back, Command::BACK}, {Key::Left, Command::SKIP_BACK}});
     }
 }
 

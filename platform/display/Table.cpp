@@ -142,20 +142,11 @@ bool Table::onKey(Key key) {
         return moveFocus(-1);
     case Key::Down:
         return moveFocus(1);
-    case Key::Ok:
-        deliver(Command::standard(Command::OK));
-        return true;
-    case Key::Back:
-        deliver(Command::standard(Command::BACK));
-        return true;
-    case Key::Left:
-        deliver(Command::standard(Command::SKIP_BACK));
-        return true;
-    case Key::Right:
-        deliver(Command::standard(Command::RIGHT));
-        return true;
     default:
-        return false;
+        return deliverStandard(key, {{Key::Ok, Command::OK},
+                                     {Key::Back, Command::BACK},
+                                     {Key::Left, Command::SKIP_BACK},
+                                     {Key::Right, Command::RIGHT}});
     }
 }
 

@@ -88,17 +88,9 @@ bool TextBox::onKey(Key key) {
         mText = text::dropLast(mText);
         core::changed();
         return true;
-    case Key::Right:
-        deliver(Command::standard(Command::RIGHT));
-        return true;
-    case Key::Ok:
-        deliver(Command::standard(Command::OK));
-        return true;
-    case Key::Back:
-        deliver(Command::standard(Command::BACK));
-        return true;
     default:
-        return false;
+        return deliverStandard(
+            key, {{Key::Right, Command::RIGHT}, {Key::Ok, Command::OK}, {Key::Back, Command::BACK}});
     }
 }
 
