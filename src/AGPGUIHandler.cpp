@@ -227,6 +227,9 @@ bool AGPGUIHandler::processXmlTreeObject(AGPCommonBase*, AGPQueueNumber, AGPMess
     return false;
 }
 
+// Alerts cannot be shown yet, so there is none to leave.
+void AGPGUIHandler::hidePopup(unsigned int, AGPQueueNumber) {}
+
 void AGPGUIHandler::addFocusListener(AGPPhoneletFocusListenerIfc* listener) {
     CriticalSection lock(mGUILock);
     if (std::find(mFocusListeners.begin(), mFocusListeners.end(), listener) == mFocusListeners.end()) {

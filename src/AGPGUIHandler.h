@@ -55,6 +55,9 @@ public:
     bool processXmlTreeObject(AGPCommonBase* root, AGPQueueNumber queue, AGPMessage::MessageType type,
                               const std::string& url, long cacheValidity, bool bringToFront);
 
+    // Leaves the queue's alert when it belongs to the screen of that ID.
+    void hidePopup(unsigned int screenID, AGPQueueNumber queue);
+
     void addFocusListener(AGPPhoneletFocusListenerIfc* listener);
     void removeFocusListener(AGPPhoneletFocusListenerIfc* listener);
 
