@@ -43,6 +43,8 @@ public:
     }
 
     int port() const { return mPort; }
+    // Set before the first request: the handler reads it unlocked.
+    void setDocument(const std::string& document) { mDocument = document; }
     // Path and query of every request, in arrival order.
     std::vector<std::string> requests() {
         std::lock_guard<std::mutex> lock(mMutex);
@@ -159,6 +161,9 @@ TEST_F(PhoneletPlugin, TabModeStartsEveryTabWithItsName) {
 
 TEST_F(PhoneletPlugin, PushesAreCheckedAndQueued) {
     LogCapture log(5);
+    // An empty reply installs nothing; a refused document would bring up the error document,
+    // which closes the phonelet to pushes.
+    mServer.setDocument("");
     configure();
     load();
     EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1&ProgramName=early", "Weather", 1), 1)
@@ -217,7 +222,8 @@ TEST(PhoneletPluginServices, EachMissingServiceFailsStartUpWithItsText) {
         phone.start();
         EXPECT_TRUE(log.contains("AGPPhonelet", 2, service.second)) << service.first;
         phone.display().waitUntilSettled();
-        EXPECT_NE(phone.display().snapshot().dump().find("The application could not be started"), std::string::npos)
+        EXPECT_NE(phone.display().snapshot().dump().find("The application could not be started"),
+                  std::string::npos)
             << service.first;
     }
     LogCapture log(2);
@@ -243,14 +249,16 @@ TEST_F(PhoneletPlugin, OddTabCountsAndProgramNamesRequestNothing) {
         ASSERT_TRUE(phone.loadPhonelet(AGP_PLUGIN_PATH, error)) << error;
         phone.start();
         const std::string queues = std::string(numTabs) == "5" ? "6" : "1";
-        EXPECT_TRUE(log.contains("AGPMessageQueueHandler", 5, "Creating " + queues + " messageQueues")) << numTabs;
+        EXPECT_TRUE(log.contains("AGPMessageQueueHandler", 5, "Creating " + queues + " messageQueues"))
+            << numTabs;
         phone.stop();
     }
     configure({{"program-name-1", ""}});
     load();
     mPhone.start();
     mPhone.stop();
-    EXPECT_TRUE(mServer.requests().empty()) << "tab counts of 4 or more, unreadable ones and no program: no request";
+    EXPECT_TRUE(mServer.requests().empty())
+        << "tab counts of 4 or more, unreadable ones and no program: no request";
 }
 
 TEST_F(PhoneletPlugin, StopsDuringATransferAndOnlyOnce) {
