@@ -14,3 +14,7 @@ bool AGPCallHandler::startAGPCallHandler(CSTAServiceIfc* service) {
     mService = service;
     return true;
 }
+
+void AGPCallHandler::MakeOutgoingCall(const std::string&, bool) {}
+
+void AGPCallHandler::ClearOutgoingCall(const std::string&) {}

@@ -1,6 +1,8 @@
 // Call control for the phonelet: calls made and cleared by actions, and their events.
 #pragma once
 
+#include <string>
+
 #include "csta/CSTAEventObserverBase.h"
 
 class CSTAServiceIfc;
@@ -14,6 +16,10 @@ public:
 
     bool startAGPCallHandler(CSTAServiceIfc* service);
     CSTAServiceIfc* getService() const { return mService; }
+
+    // Call control takes effect with the call handling; until then a request is dropped.
+    void MakeOutgoingCall(const std::string& number, bool withFocus);
+    void ClearOutgoingCall(const std::string& number);
 
 private:
     CSTAServiceIfc* mService = nullptr;

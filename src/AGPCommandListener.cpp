@@ -7,6 +7,8 @@
 #include <cstdio>
 
 #include "AGPCommonBase.h"
+#include "AGPDisplayable.h"
+#include "AGPGUIHandler.h"
 #include "AGPLog.h"
 #include "AGPMessage.h"
 #include "AGPMessageQueueHandler.h"
@@ -32,9 +34,14 @@ void AGPCommandListener::commandAction(DisplayAPI::Command* command, DisplayAPI:
         static_cast<AGPId>(displayable != nullptr ? displayable->getOwnerId() : command->getOwnerId());
     if (message.agpId == 0) {
         AGP_LOG(5, "Command on no displayable");
-        // Screens are the elements that own widgets; without a shown screen nobody can take it.
-        AGP_LOG(5, "No element found for command");
-        return;
+        // Widgets that belong to no element (the tab screen, for one) act for what is shown now.
+        AGPGUIHandler* gui = AGPPhoneletManager::findAGPGUIHandler();
+        AGPDisplayable* current = gui != nullptr ? gui->getCurrentDisplayable() : nullptr;
+        if (current == nullptr) {
+            AGP_LOG(5, "No element found for command");
+            return;
+        }
+        message.agpId = current->getAGPObjectID();
     }
     message.displayable = displayable;
     message.command = command;

@@ -4,26 +4,42 @@
 #define AGP_LOG_MODULE "AGPGUIHandler"
 #define AGP_LOG_SOURCE "./src/AGPGUIHandler.cpp"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <ctime>
 
 #include "AGPCommandListener.h"
 #include "AGPDataObserver.h"
+#include "AGPDisplayable.h"
+#include "AGPIppDisplay.h"
+#include "AGPIppScreen.h"
 #include "AGPItemStateListener.h"
 #include "AGPLog.h"
 #include "AGPMenuCommandListener.h"
+#include "AGPMessageQueueHandler.h"
+#include "AGPObjectMap.h"
 #include "AGPPhonelet.h"
 #include "AGPPhoneletFocusListenerIfc.h"
 #include "AGPPhoneletManager.h"
+#include "display/Alert.h"
 #include "display/Display.h"
+#include "display/Form.h"
 #include "display/List.h"
+#include "display/PopupPlayer.h"
 #include "display/TabScreen.h"
+#include "display/Table.h"
+#include "display/TextBox.h"
 #include "phonelet/PhoneletManagerIfc.h"
 #include "text/TranslationInfo.h"
 #include "threads/CriticalSection.h"
 
 namespace {
 
+using Type = AGPObjectTypeInfo::AGPObjectType;
+
 const int kMaxTabs = 3;
+const AGPId kAllBitsSet = ~AGPId(0);
 
 int tabScreenNumberFor(const std::string& controlKey) {
     if (controlKey == "2" || controlKey == "3" || controlKey == "4" || controlKey == "6") {
@@ -43,13 +59,92 @@ std::string tabLabel(AGPDataObserver* configuration, int tab) {
     }
 }
 
+bool isFullScreenType(Type type) {
+    return type == AGPObjectTypeInfo::ti_IppForm || type == AGPObjectTypeInfo::ti_IppList ||
+           type == AGPObjectTypeInfo::ti_IppTable || type == AGPObjectTypeInfo::ti_IppTextBox;
+}
+
+bool isPopupType(Type type) {
+    return type == AGPObjectTypeInfo::ti_IppAlert || type == AGPObjectTypeInfo::ti_IppPlayer;
+}
+
+const char* typeName(AGPCommonBase* element) {
+    return AGPObjectTypeInfo::getTypeNameRef(element->getAGPObjectType()).c_str();
+}
+
+AGPCommonBase* lookUp(AGPId id) {
+    AGPObjectMap* map = AGPPhoneletManager::findAGPObjectMap();
+    return id == 0 || map == nullptr ? nullptr : map->getAGPObject(id);
+}
+
+void destroyTree(AGPId id) {
+    AGPObjectMap* map = AGPPhoneletManager::findAGPObjectMap();
+    if (map != nullptr && id != 0) {
+        map->removeAGPObjectTree(id);
+    }
+}
+
+// The displayable element behind any element of one of the six displayable kinds.
+AGPDisplayable* asDisplayable(AGPCommonBase* element) {
+    if (element == nullptr) {
+        return nullptr;
+    }
+    const Type type = element->getAGPObjectType();
+    return isFullScreenType(type) || isPopupType(type) ? dynamic_cast<AGPDisplayable*>(element) : nullptr;
+}
+
+AGPDisplayable* asDisplayableOfType(AGPCommonBase* element, Type type) {
+    return element != nullptr && element->getAGPObjectType() == type ? asDisplayable(element) : nullptr;
+}
+
+AGPDisplayable* asFullScreen(AGPCommonBase* element) {
+    return element != nullptr && isFullScreenType(element->getAGPObjectType()) ? asDisplayable(element)
+                                                                               : nullptr;
+}
+
+AGPIppScreen* asScreen(AGPCommonBase* element) {
+    return element != nullptr && element->getAGPObjectType() == AGPObjectTypeInfo::ti_IppScreen
+               ? dynamic_cast<AGPIppScreen*>(element)
+               : nullptr;
+}
+
+DisplayAPI::Displayable* widgetOf(AGPDisplayable* element) {
+    return element != nullptr ? element->getDisplayAPIDisplayable() : nullptr;
+}
+
+void reportDisplayError(const char* detail) {
+    AGPPhonelet* phonelet = AGPPhoneletManager::getAGPPhonelet();
+    if (phonelet != nullptr) {
+        std::string details(detail);
+        phonelet->displayErrorRequest("xml.app.error.display", details);
+    }
+}
+
+void requestPhoneletFocus() {
+    AGPPhonelet* phonelet = AGPPhoneletManager::getAGPPhonelet();
+    if (phonelet != nullptr) {
+        phonelet->AGPRequestFocus();
+    }
+}
+
+bool collectTree(AGPCommonBase* root, std::vector<AGPCommonBase*>& elements) {
+    if (!AGPCommonBase::createTreeExplorationVector(root, elements)) {
+        AGP_LOG(5, "Invalid tree detected");
+        elements.clear();
+        return false;
+    }
+    return true;
+}
+
 } // namespace
 
 AGPGUIHandler::AGPGUIHandler()
-    : mDisplay(nullptr), mGUILock(new Semaphore(1, 1, false)), mVisible(false), mTabScreen(nullptr),
-      mCommandListener(nullptr), mMenuCommandListener(nullptr), mItemStateListener(nullptr),
-      mPhoneletManager(nullptr), mDateFormat("DD.MM.YYYY"), mTimeFormat("24HR"), mMultiTabState(0),
-      mFocusCounter(0), mNoControlKey(true), mShown(false), mTabPlaceholders(kMaxTabs, nullptr) {}
+    : mDisplay(nullptr), mGUILock(new Semaphore(1, 1, false)), mVisible(false), mFirstDocumentPending(true),
+      mFirstTabDisplayable(0), mTabScreen(nullptr), mCommandListener(nullptr), mMenuCommandListener(nullptr),
+      mItemStateListener(nullptr), mCurrentScreen{0, 0, 0, 0}, mPhoneletManager(nullptr),
+      mDateFormat("DD.MM.YYYY"), mTimeFormat("24HR"), mMultiTabState(0), mFocusCounter(0),
+      mNoControlKey(true), mFirstTabPulled(false), mTabSwitchOnPush(false), mShown(false),
+      mPopupPlayer(QUEUE_COUNT, 0), mAlert(QUEUE_COUNT, 0), mTabPlaceholders(kMaxTabs, nullptr) {}
 
 AGPGUIHandler::~AGPGUIHandler() {
     if (mTabScreen != nullptr) {
@@ -61,6 +156,7 @@ AGPGUIHandler::~AGPGUIHandler() {
         }
         delete mTabScreen;
     }
+    cleanupCacheAndHistory(0);
     for (DisplayAPI::Displayable* placeholder : mTabPlaceholders) {
         delete placeholder;
     }
@@ -96,8 +192,20 @@ void AGPGUIHandler::stopPhonelet() {
     }
 }
 
+// ---- Showing, hiding and focus ----
+
 void AGPGUIHandler::show() {
     mShown = true;
+    notifyEvent(getMessageQueueIdForCurrent(), AGPIppCommand::ONFOCUS);
+    if (mDisplay == nullptr) {
+        return;
+    }
+    if (checkContextMenu()) {
+        mDisplay->show();
+        mVisible = false;
+        mDisplay->hide();
+        return;
+    }
     mDisplay->show();
     mVisible = true;
     notifyFocusListeners(FocusShown);
@@ -105,22 +213,160 @@ void AGPGUIHandler::show() {
 
 void AGPGUIHandler::hide() {
     mShown = false;
-    mDisplay->hide();
+    notifyEvent(getMessageQueueIdForCurrent(), AGPIppCommand::ONBLUR);
+    if (mDisplay != nullptr) {
+        mDisplay->hide();
+    }
     mVisible = false;
     notifyFocusListeners(FocusHidden);
 }
+
+bool AGPGUIHandler::checkContextMenu() {
+    if ((mMultiTabState != 2 && mMultiTabState != 3) || mDisplay == nullptr) {
+        return false;
+    }
+    DisplayAPI::Displayable* widget =
+        mTabScreen != nullptr ? mTabScreen->currentTab() : mDisplay->getCurrent();
+    AGPDisplayable* element = asDisplayable(elementOf(widget));
+    return element != nullptr && element->isContextMenuDisplayed();
+}
+
+void AGPGUIHandler::notifyEvent(AGPQueueNumber queue, AGPIppCommand::AGPEvent event) {
+    AGPDisplayable* target = nullptr;
+    if (validQueue(queue)) {
+        if (mPopupPlayer[queue] != 0) {
+            target = asDisplayableOfType(lookUp(mPopupPlayer[queue]), AGPObjectTypeInfo::ti_IppPlayer);
+        } else if (mAlert[queue] != 0 && mAlert[queue] != kAllBitsSet) {
+            target = asDisplayableOfType(lookUp(mAlert[queue]), AGPObjectTypeInfo::ti_IppAlert);
+        } else {
+            AGPIppScreen* screen = getCurrentScreen(queue);
+            target = screen != nullptr ? screen->getDisplayableElement() : nullptr;
+        }
+    }
+    if (target == nullptr) {
+        AGP_LOG(5, "notifyEvent: called for event [%d], queueId [%d], current AGPDisplayable not found",
+                event, queue);
+        return;
+    }
+    AGP_LOG(5, "notifyEvent: event [%d] sent to AGPDisplayable [%s] [ptr %p] [AGPId %lu], queueId [%d]\n",
+            event, typeName(target), static_cast<void*>(target),
+            static_cast<unsigned long>(target->getAGPObjectID()), queue);
+    target->processNotifyEvent(event);
+}
+
+void AGPGUIHandler::setSelectionHighlight(bool on) {
+    AGP_LOG(5, "setSelectionHighlight: showHighLight = %d, tabs displayed = %d", on,
+            static_cast<int>(mTabMap.size()));
+    if (mTabMap.size() < 2 || mTabScreen == nullptr) {
+        if (mDisplay != nullptr) {
+            setSelectionHighlightForDisplayable(mDisplay->getCurrent(), on);
+        }
+        return;
+    }
+    for (const auto& entry : mTabMap) {
+        setSelectionHighlightForDisplayable(mTabScreen->getDisplayableForTabAtIndex(entry.second), on);
+    }
+}
+
+void AGPGUIHandler::setSelectionHighlightForDisplayable(DisplayAPI::Displayable* widget, bool on) {
+    AGPDisplayable* element = asFullScreen(elementOf(widget));
+    if (element == nullptr || widget == nullptr || element->getDisplayAPIDisplayable() != widget) {
+        return;
+    }
+    const bool softKeys = mDisplay != nullptr && mDisplay->hasSoftKeyBar() != 0;
+    if (element->isContextMenuDisplayed() && !softKeys) {
+        return;
+    }
+    element->setHighlight(on);
+}
+
+bool AGPGUIHandler::agpDisplayableIsCurrentAndUnobscured(AGPDisplayable* element,
+                                                         DisplayAPI::Displayable* widget) {
+    if (element == nullptr || element->isPopupMenuDisplayed()) {
+        return false;
+    }
+    if (mDisplay != nullptr && mDisplay->hasSoftKeyBar() != 0) {
+        return true;
+    }
+    return element->getDisplayAPIDisplayable() == widget && !element->isContextMenuDisplayed();
+}
+
+// ---- Tabs ----
 
 void AGPGUIHandler::tabStatusChange(bool active) {
     AGP_LOG(5, "tabStatusChange() called, active=%i, visible=%i, MultiTabState=%d", active, mVisible,
             mMultiTabState);
     if (active) {
-        if (mMultiTabState == 2 && mTabScreen != nullptr) {
-            mTabScreen->leaveTabBarUpwards();
+        if (mMultiTabState == 0 || mMultiTabState == 1) {
+            mMultiTabState = 3;
+            setSelectionHighlight(false);
+        } else if (mMultiTabState == 2) {
+            mMultiTabState = 3;
+            if (mTabScreen != nullptr) {
+                mTabScreen->leaveTabBarUpwards();
+            }
         }
-        mMultiTabState = 3;
         return;
     }
-    if (mShown) {
+    if (mDisplay == nullptr) {
+        return;
+    }
+    if (!mVisible) {
+        if (mShown) {
+            mDisplay->show();
+            mVisible = true;
+        }
+        return;
+    }
+    AGPQueueNumber currentQueue = 0;
+    DisplayAPI::Displayable* widget = currentWidget(&currentQueue);
+    const bool manyTabs = mTabScreen != nullptr && mTabMap.size() >= 2;
+    const bool softKeys = mDisplay->hasSoftKeyBar() != 0;
+    bool stopped = false;
+    if (manyTabs && mMultiTabState == 0) {
+        mMultiTabState = 1;
+        mDisplay->show();
+    } else if (widget != nullptr && manyTabs && (mMultiTabState == 2 || mMultiTabState == 3)) {
+        const bool enterBar = mPopupPlayer[currentQueue] == 0 && mAlert[currentQueue] == 0;
+        if (!enterBar) {
+            mMultiTabState = 1;
+        }
+        AGPCommonBase* object = elementOf(widget);
+        AGPDisplayable* element = asFullScreen(object);
+        if (object == nullptr) {
+            AGP_LOG(5, "tabStatusChange() Current object not found in multitab app");
+            mDisplay->show();
+        } else if (element != nullptr && element->getDisplayAPIDisplayable() == widget &&
+                   (element->isPopupMenuDisplayed() || (!softKeys && element->isContextMenuDisplayed()))) {
+            mMultiTabState = 1;
+            setSelectionHighlight(true);
+            mDisplay->show();
+        } else {
+            if (enterBar) {
+                mMultiTabState = 2;
+                mTabScreen->enterTabBar();
+                stopped = softKeys;
+            }
+            if (!stopped) {
+                mDisplay->show();
+            }
+        }
+    } else if (widget != nullptr && widget->getOwnerId() != 0) {
+        mMultiTabState = 1;
+        AGPCommonBase* object = elementOf(widget);
+        if (object == nullptr) {
+            AGP_LOG(5, "tabStatusChange() Current object not found\n");
+        } else {
+            AGPDisplayable* element = asFullScreen(object);
+            if (element != nullptr && agpDisplayableIsCurrentAndUnobscured(element, widget)) {
+                element->restoreFocusAndHighlight();
+            }
+        }
+        mDisplay->show();
+    } else {
+        mDisplay->show();
+    }
+    if (!stopped && mShown) {
         mDisplay->show();
         mVisible = true;
     }
@@ -129,20 +375,109 @@ void AGPGUIHandler::tabStatusChange(bool active) {
 void AGPGUIHandler::phoneletTabStatusChange(AGPMessage& message, AGPQueueNumber queue) {
     AGP_LOG(5, "phoneletTabStatusChange called (message=%s, queueId=%d)",
             message.getMessageTypeString().c_str(), queue);
+    const int tabs = static_cast<int>(mTabMap.size());
+    if (message.type == AGPMessage::Command_Tabbar_Inactive) {
+        if (queue == 0) {
+            return;
+        }
+        if (mTabScreen == nullptr || mDisplay == nullptr || mDisplay->hasSoftKeyBar() == 0) {
+            mMultiTabState = 1;
+            return;
+        }
+        AGPCommonBase* element = lookUp(message.agpId);
+        if (element != nullptr && element->getAGPObjectType() == AGPObjectTypeInfo::ti_IppTable) {
+            AGPMessage right(AGPMessage::Command_Right, "Command right for show soft key labels");
+            right.agpId = element->getAGPObjectID();
+            if (tabs >= 2) {
+                AGPDisplayable* current = asDisplayable(elementOf(mTabScreen->currentTab()));
+                if (current == nullptr) {
+                    return;
+                }
+                right.displayable = current->getDisplayAPIDisplayable();
+            }
+            AGPMessageQueueHandler* queues = AGPPhoneletManager::findAGPMessageQueueHandler();
+            if (queues != nullptr) {
+                queues->addToMessageQueue(right, queue);
+            }
+        }
+        mMultiTabState = 1;
+        return;
+    }
+    if (message.type != AGPMessage::Command_Tabbar_Active) {
+        return;
+    }
+    if (queue != 0) {
+        if (!mNoControlKey && tabs == 1) {
+            return;
+        }
+        if (message.displayable != mTabScreen && tabs != 1) {
+            if (mTabScreen != nullptr) {
+                mMultiTabState = 2;
+                setSelectionHighlight(false);
+            }
+            return;
+        }
+    } else if (!mNoControlKey) {
+        return;
+    }
+    mMultiTabState = 3;
+    if (mPhoneletManager != nullptr) {
+        mPhoneletManager->setTabBarFocus(true);
+    }
 }
 
 void AGPGUIHandler::tab(int direction) {
-    if (mTabScreen == nullptr || mTabMap.size() < 2) {
+    if (mTabScreen == nullptr || mTabMap.size() < 2 || mDisplay == nullptr) {
         return;
     }
-    if (mDisplay != nullptr) {
-        mDisplay->setCurrent(mTabScreen);
+    const AGPQueueNumber queue = getMessageQueueIdForCurrent();
+    if (!validQueue(queue)) {
+        return;
     }
+    if (mPopupPlayer[queue] != 0 || mAlert[queue] != 0) {
+        AGP_LOG(5, "AGPGUIHandler::tab() Alert or Player displayed, disable tabbing");
+        return;
+    }
+    DisplayAPI::Displayable* widget = mTabScreen->currentTab();
+    AGPCommonBase* object = elementOf(widget);
+    if (object == nullptr) {
+        AGP_LOG(5, "AGPGUIHandler::tab() current object not found");
+        return;
+    }
+    AGPDisplayable* element = asFullScreen(object);
+    if (element != nullptr && element->getDisplayAPIDisplayable() == widget &&
+        mDisplay->hasSoftKeyBar() == 0 &&
+        (element->isContextMenuDisplayed() || element->isPopupMenuDisplayed())) {
+        AGP_LOG(5, "AGPGUIHandler::tab() tabbing not allowed, popup or context menu displayed");
+        return;
+    }
+    AGPIppScreen* screen = getCurrentScreen(queue);
+    if (screen != nullptr) {
+        screen->lostFocus();
+    }
+    notifyEvent(queue, AGPIppCommand::ONBLUR);
+    mDisplay->setCurrent(mTabScreen);
     if (direction == 1) {
         mTabScreen->nextTab();
     } else if (direction == -1) {
         mTabScreen->previousTab();
     }
+    const AGPQueueNumber next = getMessageQueueIdForCurrent();
+    if (validQueue(next)) {
+        AGPDisplayable* alert = asDisplayableOfType(lookUp(mAlert[next]), AGPObjectTypeInfo::ti_IppAlert);
+        AGPDisplayable* player =
+            asDisplayableOfType(lookUp(mPopupPlayer[next]), AGPObjectTypeInfo::ti_IppPlayer);
+        if (alert != nullptr) {
+            showDisplayableAlert(dynamic_cast<DisplayAPI::Alert*>(widgetOf(alert)), next, mAlert[next],
+                                 AGPMessage::Unknown, true);
+        } else if (player != nullptr) {
+            showDisplayablePopupPlayer(dynamic_cast<DisplayAPI::PopupPlayer*>(widgetOf(player)), next,
+                                       mPopupPlayer[next], AGPMessage::Unknown, true);
+        } else if (AGPIppScreen* nextScreen = getCurrentScreen(next)) {
+            nextScreen->gainedFocus();
+        }
+    }
+    notifyEvent(next, AGPIppCommand::ONFOCUS);
 }
 
 bool AGPGUIHandler::initTabScreen(AGPTab tab, Translator* translator) {
@@ -172,7 +507,7 @@ bool AGPGUIHandler::initTabScreen(AGPTab tab, Translator* translator) {
 }
 
 bool AGPGUIHandler::initTab(AGPTab tab, Translator* translator) {
-    if (mTabMap.count(tab) != 0) {
+    if (tab < 0 || tab >= kMaxTabs || mTabScreen == nullptr || mTabMap.count(tab) != 0) {
         return false;
     }
     DisplayAPI::Displayable* placeholder = mTabPlaceholders[static_cast<size_t>(tab)];
@@ -222,10 +557,914 @@ AGPQueueNumber AGPGUIHandler::getMessageQueueIdForCurrent() {
     return 0;
 }
 
-bool AGPGUIHandler::processXmlTreeObject(AGPCommonBase*, AGPQueueNumber, AGPMessage::MessageType,
-                                         const std::string&, long, bool) {
+AGPIppScreen* AGPGUIHandler::getCurrentScreen(AGPQueueNumber queue) {
+    return validQueue(queue) ? asScreen(lookUp(mCurrentScreen[queue])) : nullptr;
+}
+
+AGPDisplayable* AGPGUIHandler::getCurrentDisplayable() {
+    // Also right while the one remaining tab is shown without the tab screen.
+    AGPIppScreen* screen = getCurrentScreen(getMessageQueueIdForCurrent());
+    return screen != nullptr ? screen->getDisplayableElement() : nullptr;
+}
+
+void AGPGUIHandler::setCurrentDisplayableForTabAtIndexInternal(AGPQueueNumber queue,
+                                                               DisplayAPI::Displayable* widget,
+                                                               AGPMessage::MessageType type,
+                                                               bool bringToFront) {
+    if (mTabScreen == nullptr || !validQueue(queue)) {
+        return;
+    }
+    const int index = queueIdToTabIdx(queue);
+    mTabScreen->setCurrentDisplayableForTabAtIndex(index, widget);
+    mPopupPlayer[queue] = 0;
+    mAlert[queue] = 0;
+    if (type == AGPMessage::UrlRequest_XML_push_force && bringToFront) {
+        mTabScreen->setCurrentTabIndex(index);
+    }
+    const AGPTab tab = queue - 1;
+    if (tab >= 0 && tab < kMaxTabs && mTabPlaceholders[static_cast<size_t>(tab)] != nullptr &&
+        mTabPlaceholders[static_cast<size_t>(tab)] != widget) {
+        delete mTabPlaceholders[static_cast<size_t>(tab)];
+        mTabPlaceholders[static_cast<size_t>(tab)] = nullptr;
+    }
+}
+
+void AGPGUIHandler::pullFirstTabDisplayableIntoTabScreen(AGPQueueNumber queue, bool bringToFront) {
+    if (mTabMap.empty() || mFirstTabPulled || mTabScreen == nullptr) {
+        return;
+    }
+    mFirstTabPulled = true;
+    AGPDisplayable* first = asDisplayable(lookUp(mFirstTabDisplayable));
+    DisplayAPI::Displayable* widget = widgetOf(first);
+    if (widget != nullptr) {
+        const AGPQueueNumber firstQueue = first->getQueueID();
+        const int index = queueIdToTabIdx(firstQueue);
+        if (!validQueue(firstQueue) || index >= mTabScreen->numberOfTabs() - 1 ||
+            mTabScreen->getDisplayableForTabAtIndex(index) == widget) {
+            return;
+        }
+        const AGPId pendingAlert = mAlert[firstQueue];
+        setCurrentDisplayableForTabAtIndexInternal(firstQueue, widget, AGPMessage::UrlRequest_XML_push_force,
+                                                   bringToFront);
+        if (isFullScreenType(first->getAGPObjectType())) {
+            widget->setUsedWithTab(true, mTabScreen);
+        }
+        mAlert[firstQueue] = pendingAlert;
+        if (firstQueue != queue) {
+            showAlertForQueueIfSet(firstQueue, bringToFront, mGUILock);
+        }
+        return;
+    }
+    if (mTabMap.size() != 2) {
+        AGP_LOG(2, "NULL first tab display in pullFirstTabDisplayableIntoTabScreen");
+        return;
+    }
+    AGPQueueNumber other = 0;
+    for (const auto& entry : mTabMap) {
+        if (entry.first + 1 != queue) {
+            other = entry.first + 1;
+        }
+    }
+    if (other != 0) {
+        showAlertForQueueIfSet(other, bringToFront, mGUILock);
+    }
+}
+
+DisplayAPI::Displayable* AGPGUIHandler::removeFirstTabOutOfTabScreen() {
+    if (mTabScreen == nullptr || mTabMap.size() != 1) {
+        return nullptr;
+    }
+    DisplayAPI::Displayable* widget = mTabScreen->currentTab();
+    AGPDisplayable* element = asFullScreen(elementOf(widget));
+    if (element != nullptr) {
+        widget->setUsedWithTab(mNoControlKey, nullptr);
+        mTabScreen->removeTab(widget);
+        mFirstTabPulled = false;
+        // What the one remaining tab shows directly must be pulled back in when a tab comes again.
+        mFirstTabDisplayable = element->getAGPObjectID();
+        return widget;
+    }
+    AGPDisplayable* current = getCurrentDisplayable();
+    if (current == nullptr) {
+        return nullptr;
+    }
+    if (current->getAGPObjectType() == AGPObjectTypeInfo::ti_IppAlert) {
+        DisplayAPI::Displayable* previous = findPreviousFullDisplayable(current->getQueueID());
+        if (previous != nullptr) {
+            return previous;
+        }
+    }
+    return current->getDisplayAPIDisplayable();
+}
+
+AGPCommonBase* AGPGUIHandler::elementOf(DisplayAPI::Displayable* widget) {
+    return widget != nullptr ? lookUp(static_cast<AGPId>(widget->getOwnerId())) : nullptr;
+}
+
+DisplayAPI::Displayable* AGPGUIHandler::currentWidget(AGPQueueNumber* queue) {
+    *queue = 0;
+    if (mTabScreen != nullptr && mTabMap.size() >= 2) {
+        *queue = getMessageQueueIdForCurrent();
+        return mTabScreen->currentTab();
+    }
+    return mDisplay != nullptr ? mDisplay->getCurrent() : nullptr;
+}
+
+bool AGPGUIHandler::isCurrentTabQueue(AGPQueueNumber queue) {
+    return mTabScreen != nullptr && tabIdxToQueueId(mTabScreen->getCurrentTabIndex()) == queue;
+}
+
+void AGPGUIHandler::selectTabOfQueue(AGPQueueNumber queue) {
+    if (mTabScreen != nullptr) {
+        mTabScreen->setCurrentTabIndex(queueIdToTabIdx(queue));
+    }
+}
+
+// ---- Installing documents ----
+
+bool AGPGUIHandler::processXmlTreeObject(AGPCommonBase*& root, AGPQueueNumber queue,
+                                         AGPMessage::MessageType type, const std::string& url,
+                                         long cacheValidity, bool bringToFront) {
+    if (type == AGPMessage::UrlRequest_Display_Error && queue != 0 && !isTabInitialized(queue - 1)) {
+        AGP_LOG(5, "processXmlTreeObject: tab for queue %d is not initialised", queue);
+        if (root != nullptr) {
+            destroyTree(root->getAGPObjectID());
+            root = nullptr;
+        }
+        return true;
+    }
+    if (root == nullptr) {
+        AGP_LOG(5, "Received NULL pointer for xmlTreeObject");
+        reportDisplayError("Invalid root element detected in the received XML document");
+        return false;
+    }
+    if (!setIppDisplayAsRoot(root)) {
+        AGP_LOG(5, "Invalid root element detected");
+        reportDisplayError("Mandatory element missing in the received XML document");
+        return false;
+    }
+    auto* display = dynamic_cast<AGPIppDisplay*>(root);
+    if (display == nullptr || !validQueue(queue)) {
+        AGP_LOG(5, "Invalid root element detected");
+        reportDisplayError("Mandatory element missing in the received XML document");
+        return false;
+    }
+    if (mFirstDocumentPending) {
+        AGPCommonBase* first = display->getChildByType(AGPObjectTypeInfo::ti_IppScreen);
+        bool showable = false;
+        if (first != nullptr) {
+            for (AGPCommonBase* child : first->getSequence()) {
+                const Type childType = child->getAGPObjectType();
+                showable = showable || isFullScreenType(childType) || isPopupType(childType);
+            }
+        }
+        if (!showable) {
+            AGP_LOG(5, "Nothing to display in first XML document");
+            reportDisplayError("Mandatory element missing in the first received XML document");
+            return false;
+        }
+        mFirstDocumentPending = false;
+    }
+
+    std::vector<AGPCommonBase*> elements;
+    collectTree(root, elements);
+    for (AGPCommonBase* element : elements) {
+        element->setQueueID(queue);
+        element->initializeElement();
+    }
+    for (AGPCommonBase* element : elements) {
+        element->processElement();
+    }
+
+    std::vector<AGPCommonBase*> children;
+    display->getChildrenByType(AGPObjectTypeInfo::ti_IppScreen, children);
+    std::vector<AGPIppScreen*> screens;
+    for (AGPCommonBase* child : children) {
+        if (AGPIppScreen* screen = asScreen(child)) {
+            screen->setOriginatingUri(url);
+            screen->setCacheExpirationTime(cacheValidity);
+            screens.push_back(screen);
+        }
+    }
+    AGPIppScreen* initial = nullptr;
+    AGPIppScreen* update = nullptr;
+    for (AGPIppScreen* screen : screens) {
+        const long id = static_cast<long>(screen->getAGPID());
+        if (initial == nullptr && display->getAGPInitialScreen() != -1 &&
+            id == display->getAGPInitialScreen()) {
+            initial = screen;
+        }
+        if (update == nullptr && display->getAGPUpdateScreen() != -1 && id == display->getAGPUpdateScreen()) {
+            update = screen;
+        }
+    }
+    if (initial == nullptr && !screens.empty()) {
+        initial = screens.front();
+    }
+    if (update == initial) {
+        update = nullptr;
+    }
+
+    std::vector<AGPId> cached;
+    for (auto screen = screens.rbegin(); screen != screens.rend(); ++screen) {
+        if ((*screen)->getDisplayableElement() != nullptr) {
+            cached.push_back((*screen)->getAGPObjectID());
+            mCache[queue].push_back((*screen)->getAGPObjectID());
+            display->removeChild(*screen);
+        }
+    }
+    const auto isCached = [&cached](AGPIppScreen* screen) {
+        return screen != nullptr &&
+               std::find(cached.begin(), cached.end(), screen->getAGPObjectID()) != cached.end();
+    };
+    const AGPId initialId = isCached(initial) ? initial->getAGPObjectID() : 0;
+    const AGPId updateId = isCached(update) ? update->getAGPObjectID() : 0;
+
+    if (update != nullptr) {
+        commandShowScreen(update, queue, true, type, bringToFront);
+    }
+    if (initial != nullptr) {
+        if (mTabScreen != nullptr && mDisplay != nullptr) {
+            AGPCommonBase* shown = elementOf(mDisplay->getCurrent());
+            if (shown != nullptr && shown->getAGPObjectType() == AGPObjectTypeInfo::ti_IppAlert &&
+                shown->getQueueID() == queue && !isCurrentTabQueue(queue)) {
+                mDisplay->setCurrent(mTabScreen);
+            }
+        }
+        commandShowScreen(initial, queue, type == AGPMessage::UrlRequest_XML_cache_expired_back, type,
+                          bringToFront);
+    }
+    // Looked up again: a check may destroy an older copy that is also one of these screens.
+    for (AGPId id : cached) {
+        AGPIppScreen* screen = asScreen(lookUp(id));
+        if (screen != nullptr &&
+            std::find(mCache[queue].begin(), mCache[queue].end(), id) != mCache[queue].end()) {
+            checkScreenID(screen, queue);
+        }
+    }
+    destroyTree(display->getAGPObjectID());
+    cleanupCacheAndHistory(CACHE_MAXSIZE);
+    const AGPId shownId = initialId != 0 ? initialId : updateId;
+    root = lookUp(shownId);
+    return true;
+}
+
+bool AGPGUIHandler::setIppDisplayAsRoot(AGPCommonBase*& root) {
+    if (root == nullptr) {
+        return false;
+    }
+    if (root->getAGPObjectType() == AGPObjectTypeInfo::ti_IppDisplay) {
+        AGP_LOG(5, "setIppDisplayAsRoot: Nothing to do...");
+        return true;
+    }
+    if (root->getAGPObjectType() != AGPObjectTypeInfo::ti_IppPhone) {
+        return false;
+    }
+    AGPCommonBase* display = root->getChildByType(AGPObjectTypeInfo::ti_IppDisplay);
+    if (display == nullptr) {
+        return false;
+    }
+    root->removeChild(display);
+    destroyTree(root->getAGPObjectID());
+    root = display;
+    AGP_LOG(5, "setIppDisplayAsRoot: New root set");
+    return true;
+}
+
+// ---- Showing screens ----
+
+void AGPGUIHandler::commandShowScreen(AGPIppScreen* screen, AGPQueueNumber queue, bool isBack,
+                                      AGPMessage::MessageType type, bool bringToFront) {
+    AGP_LOG(5, "commandShowScreen(toBeShown=%d, queueID=%d, isBack=%d) entered",
+            screen != nullptr ? static_cast<int>(screen->getAGPObjectID()) : 0, queue, isBack);
+    if (screen == nullptr || !validQueue(queue)) {
+        return;
+    }
+    std::vector<AGPId>& cache = mCache[queue];
+    const AGPId screenId = screen->getAGPObjectID();
+    auto entry = std::find(cache.begin(), cache.end(), screenId);
+    if (entry == cache.end()) {
+        screen->invokeActions();
+        return;
+    }
+    if (!isBack) {
+        cache.erase(entry);
+        cache.push_back(screenId);
+    }
+    AGPDisplayable* shown = screen->getDisplayableElement();
+    AGPDisplayable* current = getCurrentDisplayable();
+    const AGPQueueNumber visibleQueue = getMessageQueueIdForCurrent();
+
+    bool focusLater = false;
+    switch (type) {
+    case AGPMessage::UrlRequest_XML_push_active:
+    case AGPMessage::UrlRequest_XML_push_queue:
+    case AGPMessage::UrlRequest_XML_push_indicate:
+        if (current != nullptr) {
+            current->pushRequestIndication();
+        }
+        break;
+    case AGPMessage::UrlRequest_XML_push_force:
+        if (queue != visibleQueue) {
+            if (current != nullptr) {
+                notifyEvent(visibleQueue, AGPIppCommand::ONBLUR);
+            }
+            focusLater = getCurrentScreen(queue) != nullptr;
+        }
+        if (current != nullptr) {
+            current->pushRequestIndication();
+        }
+        break;
+    default:
+        break;
+    }
+
+    AGPCommonBase* present = nullptr;
+    if (queue == 0 || mTabMap.size() == 1) {
+        present = mDisplay != nullptr ? elementOf(mDisplay->getCurrent()) : nullptr;
+    } else {
+        present = lookUp(mPopupPlayer[queue]);
+        if (present == nullptr) {
+            present = lookUp(mAlert[queue]);
+        }
+        if (present == nullptr && mTabScreen != nullptr) {
+            present = elementOf(mTabScreen->getDisplayableForTabAtIndex(queueIdToTabIdx(queue)));
+        }
+    }
+    AGPIppScreen* previous = nullptr;
+    bool presentIsPopup = false;
+    if (present != nullptr) {
+        previous = getCurrentScreen(queue);
+        const Type presentType = present->getAGPObjectType();
+        if (isFullScreenType(presentType) || isPopupType(presentType)) {
+            AGP_LOG(5, "commandShowScreen has displayable %s", typeName(present));
+            presentIsPopup = isPopupType(presentType);
+            if (AGPDisplayable* displayable = asDisplayable(present)) {
+                displayable->stopTimer();
+            }
+        }
+    }
+
+    if (!screen->hasBack()) {
+        mHistory[queue].clear();
+    } else if (!isBack && present != nullptr) {
+        AGPIppScreen* before = getCurrentScreen(queue);
+        AGPDisplayable* beforeElement = before != nullptr ? before->getDisplayableElement() : nullptr;
+        if (before != nullptr && before->getAGPHistory() != AGPIppScreen::HISTORY_NO &&
+            beforeElement != nullptr && !isPopupType(beforeElement->getAGPObjectType())) {
+            mHistory[queue].push_back(before->getAGPObjectID());
+        }
+    }
+
+    screen->invokeActions();
+    if (queue == 0 || mTabMap.size() == 1 || isCurrentTabQueue(queue) ||
+        type == AGPMessage::UrlRequest_XML_push_force) {
+        screen->gainedFocus();
+    }
+    if (type == AGPMessage::UrlRequest_XML_push_force && focusLater) {
+        notifyEvent(queue, AGPIppCommand::ONFOCUS);
+    }
+
+    if (shown != nullptr) {
+        DisplayAPI::Displayable* widget = shown->getDisplayAPIDisplayable();
+        switch (shown->getAGPObjectType()) {
+        case AGPObjectTypeInfo::ti_IppAlert:
+            showDisplayableAlert(dynamic_cast<DisplayAPI::Alert*>(widget), queue, shown->getAGPObjectID(),
+                                 type, bringToFront);
+            break;
+        case AGPObjectTypeInfo::ti_IppPlayer:
+            showDisplayablePopupPlayer(dynamic_cast<DisplayAPI::PopupPlayer*>(widget), queue,
+                                       shown->getAGPObjectID(), type, bringToFront);
+            break;
+        case AGPObjectTypeInfo::ti_IppList:
+            releaseFocus(bringToFront);
+            showDisplayableList(dynamic_cast<DisplayAPI::List*>(widget), queue, type, bringToFront);
+            break;
+        case AGPObjectTypeInfo::ti_IppTable:
+            releaseFocus(bringToFront);
+            showDisplayableTable(dynamic_cast<DisplayAPI::Table*>(widget), queue, type, bringToFront);
+            break;
+        case AGPObjectTypeInfo::ti_IppForm:
+            releaseFocus(bringToFront);
+            showDisplayableForm(dynamic_cast<DisplayAPI::Form*>(widget), queue, type, bringToFront);
+            break;
+        case AGPObjectTypeInfo::ti_IppTextBox:
+            releaseFocus(bringToFront);
+            showDisplayableTextBox(dynamic_cast<DisplayAPI::TextBox*>(widget), queue, type, bringToFront);
+            break;
+        default:
+            releaseFocus(bringToFront);
+            showDisplayable(widget, queue, type, bringToFront);
+        }
+    }
+
+    mTabSwitchOnPush = false;
+    if (type == AGPMessage::UrlRequest_XML_push_force && mTabScreen != nullptr &&
+        (mMultiTabState == 2 || mMultiTabState == 3)) {
+        mTabScreen->leaveTabBar();
+        mMultiTabState = 1;
+    }
+    mCurrentScreen[queue] = screenId;
+    if (shown != nullptr) {
+        shown->initTimer(mCommandListener);
+        shown->startTimer();
+    }
+
+    const bool shownIsPopup = shown != nullptr && isPopupType(shown->getAGPObjectType());
+    if (previous != nullptr && previous != screen && (!shownIsPopup || presentIsPopup)) {
+        std::vector<AGPCommonBase*> elements;
+        collectTree(previous, elements);
+        for (AGPCommonBase* element : elements) {
+            element->hideElement();
+        }
+        previous->setRedisplayNeeded(true);
+    }
+}
+
+void AGPGUIHandler::commandShowScreenBack(AGPQueueNumber queue, bool bringToFront) {
+    AGP_LOG(5, "commandShowScreenBack: Previous screen requested");
+    if (!validQueue(queue) || mHistory[queue].empty()) {
+        return;
+    }
+    const AGPId id = mHistory[queue].back();
+    mHistory[queue].pop_back();
+    AGPIppScreen* screen = asScreen(lookUp(id));
+    if (screen == nullptr) {
+        return;
+    }
+    if (static_cast<long>(std::time(nullptr)) < screen->getCacheExpirationTime()) {
+        reloadScreenElements(screen);
+        mCurrentScreen[queue] = 0;
+        commandShowScreen(screen, queue, true, AGPMessage::Command_Back, bringToFront);
+    } else {
+        screen->resendOriginatingURL(true);
+    }
+}
+
+void AGPGUIHandler::commandShowScreenID(unsigned int screenID, AGPQueueNumber queue, bool bringToFront) {
+    AGP_LOG(5, "commandShowScreenID: screen %i requested", static_cast<int>(screenID));
+    if (mDisplay != nullptr) {
+        AGPCommonBase* shown = elementOf(mDisplay->getCurrent());
+        if (shown != nullptr && shown->getAGPObjectType() == AGPObjectTypeInfo::ti_IppAlert) {
+            mTabSwitchOnPush = true;
+        }
+    }
+    if (!validQueue(queue)) {
+        return;
+    }
+    AGPIppScreen* found = nullptr;
+    for (AGPId id : mCache[queue]) {
+        AGPIppScreen* screen = asScreen(lookUp(id));
+        if (screen != nullptr && screen->getAGPID() == screenID) {
+            found = screen;
+        }
+    }
+    if (found == nullptr) {
+        return;
+    }
+    if (static_cast<long>(std::time(nullptr)) < found->getCacheExpirationTime()) {
+        reloadScreenElements(found);
+        commandShowScreen(found, queue, false, AGPMessage::Unknown, bringToFront);
+    } else {
+        found->resendOriginatingURL(false);
+    }
+}
+
+void AGPGUIHandler::reloadScreenElements(AGPIppScreen* screen) {
+    if (screen == nullptr) {
+        return;
+    }
+    if (screen->isRedisplayNeeded()) {
+        std::vector<AGPCommonBase*> elements;
+        collectTree(screen, elements);
+        for (AGPCommonBase* element : elements) {
+            element->reDisplayElement();
+        }
+        for (AGPCommonBase* element : elements) {
+            element->reDisplayElement2ndRound();
+        }
+        screen->setRedisplayNeeded(false);
+    }
+    AGPDisplayable* shown = screen->getDisplayableElement();
+    if (shown != nullptr && shown->getAGPObjectType() == AGPObjectTypeInfo::ti_IppAlert) {
+        shown->reDisplayElement();
+    }
+}
+
+void AGPGUIHandler::commandAlertBack(AGPQueueNumber queue, bool bringToFront) {
+    AGP_LOG(5, "commandAlertBack: Previous alert screen requested");
+    mTabSwitchOnPush = true;
+    if (!validQueue(queue)) {
+        return;
+    }
+    if (!mHistory[queue].empty()) {
+        AGP_LOG(5, "commandAlertBack: Previous screen request");
+        const AGPId alert = mAlert[queue];
+        commandShowScreenBack(queue, bringToFront);
+        if (mAlert[queue] == alert) {
+            mAlert[queue] = 0;
+        }
+        return;
+    }
+    if (queue == 0) {
+        AGP_LOG(5, "commandAlertBack: Stop phonelet");
+        stopPhonelet();
+        return;
+    }
+    CriticalSection lock(mGUILock);
+    const AGPTab closed = queue - 1;
+    const bool ownTab = mTabMap.count(closed) != 0;
+    if (!ownTab || mTabMap.size() < 2) {
+        DisplayAPI::Displayable* previous = findPreviousFullDisplayable(queue, false);
+        if (previous == nullptr) {
+            stopPhonelet();
+            return;
+        }
+        if (mDisplay != nullptr) {
+            mDisplay->setCurrent(previous);
+        }
+        mAlert[queue] = 0;
+        return;
+    }
+    closeTab(queue);
+    if (mDisplay == nullptr) {
+        return;
+    }
+    if (mTabMap.size() > 1) {
+        releaseFocus(true);
+        mDisplay->setCurrent(mTabScreen);
+    } else {
+        DisplayAPI::Displayable* remaining = removeFirstTabOutOfTabScreen();
+        mDisplay->setCurrent(remaining);
+    }
+    showAlertForQueueIfSet(getMessageQueueIdForCurrent(), bringToFront, mGUILock);
+}
+
+void AGPGUIHandler::closeTab(AGPQueueNumber queue) {
+    const AGPTab closed = queue - 1;
+    const int closedIndex = mTabMap[closed];
+    for (auto& entry : mTabMap) {
+        if (entry.second > closedIndex) {
+            --entry.second;
+        }
+    }
+    mTabScreen->removeTabAtIndex(closedIndex);
+    mAlert[queue] = 0;
+    mCurrentScreen[queue] = 0;
+    mTabMap.erase(closed);
+}
+
+void AGPGUIHandler::hidePopup(unsigned int screenID, AGPQueueNumber queue) {
+    AGPIppScreen* screen = getCurrentScreen(queue);
+    AGPDisplayable* shown = screen != nullptr ? screen->getDisplayableElement() : nullptr;
+    if (shown == nullptr) {
+        AGP_LOG(5, "AGPDisplayable is NULL");
+        commandAlertBack(queue, true);
+        return;
+    }
+    if (shown->getAGPObjectType() == AGPObjectTypeInfo::ti_IppAlert && screen->getAGPID() == screenID) {
+        commandAlertBack(queue, true);
+        return;
+    }
+    AGP_LOG(5, "There isn't Alert with screen ID: %d at tab : %d", static_cast<int>(screenID), queue);
+}
+
+void AGPGUIHandler::showAlertForQueueIfSet(AGPQueueNumber queue, bool bringToFront, Semaphore* heldLock) {
+    if (!validQueue(queue) || mAlert[queue] == 0) {
+        return;
+    }
+    const AGPId id = mAlert[queue];
+    AGPDisplayable* alert = asDisplayableOfType(lookUp(id), AGPObjectTypeInfo::ti_IppAlert);
+    if (alert == nullptr) {
+        return;
+    }
+    if (heldLock != nullptr) {
+        heldLock->give();
+    }
+    showDisplayableAlert(dynamic_cast<DisplayAPI::Alert*>(alert->getDisplayAPIDisplayable()), queue, id,
+                         AGPMessage::Unknown, bringToFront);
+    if (heldLock != nullptr) {
+        heldLock->take(-1);
+    }
+}
+
+void AGPGUIHandler::showDisplayableForm(DisplayAPI::Form* widget, AGPQueueNumber queue,
+                                        AGPMessage::MessageType type, bool bringToFront) {
+    showFullDisplayable(widget, queue, type, bringToFront);
+}
+
+void AGPGUIHandler::showDisplayableList(DisplayAPI::List* widget, AGPQueueNumber queue,
+                                        AGPMessage::MessageType type, bool bringToFront) {
+    showFullDisplayable(widget, queue, type, bringToFront);
+}
+
+void AGPGUIHandler::showDisplayableTable(DisplayAPI::Table* widget, AGPQueueNumber queue,
+                                         AGPMessage::MessageType type, bool bringToFront) {
+    showFullDisplayable(widget, queue, type, bringToFront);
+}
+
+void AGPGUIHandler::showDisplayableTextBox(DisplayAPI::TextBox* widget, AGPQueueNumber queue,
+                                           AGPMessage::MessageType type, bool bringToFront) {
+    showFullDisplayable(widget, queue, type, bringToFront);
+}
+
+void AGPGUIHandler::showFullDisplayable(DisplayAPI::Displayable* widget, AGPQueueNumber queue,
+                                        AGPMessage::MessageType type, bool bringToFront) {
+    CriticalSection lock(mGUILock);
+    if (widget == nullptr) {
+        AGP_LOG(2, "Displayable object not found - shouldn't happen");
+        return;
+    }
+    widget->setWrapAround(false);
+    if (queue <= 0 || mTabMap.size() == 1) {
+        if (mNoControlKey) {
+            widget->setUsedWithTab(true, nullptr);
+        }
+        if (mDisplay != nullptr) {
+            mDisplay->setCurrent(widget);
+        }
+        if (mTabMap.size() == 1) {
+            mFirstTabDisplayable = static_cast<AGPId>(widget->getOwnerId());
+        }
+        return;
+    }
+    if (mTabMap.size() >= 2) {
+        pullFirstTabDisplayableIntoTabScreen(queue, bringToFront);
+    }
+    if (mTabScreen == nullptr) {
+        return;
+    }
+    setCurrentDisplayableForTabAtIndexInternal(queue, widget, type, bringToFront);
+    widget->setUsedWithTab(true, mTabScreen);
+    if (bringToFront && (isCurrentTabQueue(queue) || mTabSwitchOnPush) && mDisplay != nullptr) {
+        mDisplay->setCurrent(mTabScreen);
+    }
+}
+
+void AGPGUIHandler::showDisplayable(DisplayAPI::Displayable* widget, AGPQueueNumber queue,
+                                    AGPMessage::MessageType type, bool bringToFront) {
+    CriticalSection lock(mGUILock);
+    if (mDisplay == nullptr) {
+        return;
+    }
+    if (widget == nullptr) {
+        mDisplay->setCurrent(nullptr);
+        return;
+    }
+    if (queue <= 0 || mTabMap.size() == 1) {
+        mDisplay->setCurrent(widget);
+        return;
+    }
+    if (mTabMap.size() >= 2) {
+        pullFirstTabDisplayableIntoTabScreen(queue, bringToFront);
+    }
+    if (mTabScreen != nullptr) {
+        setCurrentDisplayableForTabAtIndexInternal(queue, widget, type, bringToFront);
+        mDisplay->setCurrent(mTabScreen);
+    }
+}
+
+void AGPGUIHandler::showOver(DisplayAPI::Displayable* widget) {
+    mDisplay->setCurrent(nullptr);
+    mDisplay->setCurrent(widget);
+}
+
+void AGPGUIHandler::showPopupForced(DisplayAPI::Displayable* widget, AGPQueueNumber queue, bool isAlert,
+                                    bool bringToFront) {
+    if (queue == 0 || (isAlert && mTabMap.size() < 2)) {
+        mDisplay->setCurrent(findPreviousFullDisplayable(queue));
+    } else if (bringToFront && mTabScreen != nullptr) {
+        selectTabOfQueue(queue);
+        mDisplay->setCurrent(mTabScreen);
+    }
+    // The platform must get the previous screen up before the popup comes over it.
+    sleep(1);
+    if (bringToFront) {
+        mDisplay->setCurrent(widget);
+    }
+}
+
+void AGPGUIHandler::showDisplayableAlert(DisplayAPI::Alert* widget, AGPQueueNumber queue,
+                                         unsigned long alertId, AGPMessage::MessageType type,
+                                         bool bringToFront) {
+    CriticalSection lock(mGUILock);
+    if (mDisplay == nullptr) {
+        return;
+    }
+    if (widget == nullptr) {
+        mDisplay->setCurrent(nullptr);
+        return;
+    }
+    const bool manyTabs = mTabMap.size() >= 2 && mTabScreen != nullptr;
+    bool general = false;
+    if (mVisible && mFocusCounter == 0) {
+        general = true;
+    } else if (type == AGPMessage::UrlRequest_XML_push_active ||
+               type == AGPMessage::UrlRequest_XML_push_indicate) {
+        showOver(widget);
+        requestPhoneletFocus();
+        ++mFocusCounter;
+    } else if (type == AGPMessage::UrlRequest_XML_push_force) {
+        showPopupForced(widget, queue, true, bringToFront);
+    } else if (type == AGPMessage::Command_Back && mFocusCounter != 0) {
+        showOver(widget);
+        --mFocusCounter;
+    } else {
+        general = true;
+    }
+    if (general) {
+        releaseFocus(bringToFront);
+        if (!manyTabs) {
+            if (bringToFront) {
+                mDisplay->setCurrent(widget);
+            }
+        } else {
+            pullFirstTabDisplayableIntoTabScreen(queue, bringToFront);
+            if (bringToFront) {
+                if (type == AGPMessage::UrlRequest_XML_push_force) {
+                    selectTabOfQueue(queue);
+                    mDisplay->setCurrent(mTabScreen);
+                }
+                if (type == AGPMessage::UrlRequest_XML_push_active ||
+                    type == AGPMessage::UrlRequest_XML_push_indicate) {
+                    mTabScreen->setCurrentTabIndex(mTabScreen->getCurrentTabIndex());
+                    mDisplay->setCurrent(widget);
+                } else if (isCurrentTabQueue(queue)) {
+                    mDisplay->setCurrent(widget);
+                }
+            }
+        }
+    }
+    if (validQueue(queue) && queue > 0) {
+        mAlert[queue] = static_cast<AGPId>(alertId);
+    }
+}
+
+void AGPGUIHandler::showDisplayablePopupPlayer(DisplayAPI::PopupPlayer* widget, AGPQueueNumber queue,
+                                               unsigned long playerId, AGPMessage::MessageType type,
+                                               bool bringToFront) {
+    CriticalSection lock(mGUILock);
+    if (mDisplay == nullptr) {
+        return;
+    }
+    if (widget == nullptr) {
+        mDisplay->setCurrent(nullptr);
+        return;
+    }
+    bool general = false;
+    if (mVisible) {
+        if (type == AGPMessage::UrlRequest_XML_push_active) {
+            showOver(widget);
+            requestPhoneletFocus();
+        } else {
+            general = true;
+        }
+    } else if (type == AGPMessage::UrlRequest_XML_push_active ||
+               type == AGPMessage::UrlRequest_XML_push_indicate) {
+        showOver(widget);
+        requestPhoneletFocus();
+    } else if (type == AGPMessage::UrlRequest_XML_push_force) {
+        showPopupForced(widget, queue, false, bringToFront);
+    } else {
+        general = true;
+    }
+    if (general) {
+        releaseFocus(bringToFront);
+        if (mTabMap.size() < 2 || mTabScreen == nullptr) {
+            if (bringToFront) {
+                mDisplay->setCurrent(widget);
+            }
+        } else {
+            pullFirstTabDisplayableIntoTabScreen(queue, bringToFront);
+            if (bringToFront && type == AGPMessage::UrlRequest_XML_push_force) {
+                selectTabOfQueue(queue);
+                mDisplay->setCurrent(mTabScreen);
+            }
+            if (isCurrentTabQueue(queue)) {
+                mDisplay->setCurrent(widget);
+            }
+        }
+    }
+    if (validQueue(queue) && queue > 0) {
+        mPopupPlayer[queue] = static_cast<AGPId>(playerId);
+    }
+}
+
+// ---- History and cache ----
+
+DisplayAPI::Displayable* AGPGUIHandler::findPreviousFullDisplayable(AGPQueueNumber queue,
+                                                                    bool allowNoHistory) {
+    AGPDisplayable* found = nullptr;
+    if (validQueue(queue)) {
+        const std::vector<AGPId>& history = mHistory[queue];
+        for (auto id = history.rbegin(); id != history.rend() && found == nullptr; ++id) {
+            AGPCommonBase* element = lookUp(*id);
+            if (AGPIppScreen* screen = asScreen(element)) {
+                element = screen->getDisplayableElement();
+            }
+            found = asFullScreen(element);
+            if (found != nullptr) {
+                AGP_LOG(5, "findPreviousFullDisplayable: Previous full displayable found in history");
+            }
+        }
+        const std::vector<AGPId>& cache = mCache[queue];
+        for (auto id = cache.rbegin(); id != cache.rend() && found == nullptr; ++id) {
+            AGPIppScreen* screen = asScreen(lookUp(*id));
+            if (screen == nullptr ||
+                (!allowNoHistory && screen->getAGPHistory() == AGPIppScreen::HISTORY_NO)) {
+                continue;
+            }
+            found = asFullScreen(screen->getDisplayableElement());
+            if (found != nullptr) {
+                AGP_LOG(5, "findPreviousFullDisplayable: Previous full displayable found in cache");
+            }
+        }
+    }
+    if (found == nullptr) {
+        AGP_LOG(5, "findPreviousFullDisplayable: Previous full displayable NOT FOUND");
+        return nullptr;
+    }
+    DisplayAPI::Displayable* widget = found->getDisplayAPIDisplayable();
+    if (widget == nullptr) {
+        AGP_LOG(5, "findPreviousFullDisplayable: DisplayAPI::Displayable object IS NULL");
+    } else {
+        AGP_LOG(5, "findPreviousFullDisplayable: DisplayAPI::Displayable object present, returning ...");
+    }
+    return widget;
+}
+
+bool AGPGUIHandler::isInHistory(AGPIppScreen* screen, AGPQueueNumber queue) {
+    if (screen == nullptr || !validQueue(queue)) {
+        return false;
+    }
+    const AGPId id = screen->getAGPObjectID();
+    for (AGPId entry : mHistory[queue]) {
+        if (entry == id && lookUp(entry) != nullptr) {
+            return true;
+        }
+    }
     return false;
 }
+
+bool AGPGUIHandler::checkScreenID(AGPIppScreen* screen, AGPQueueNumber queue) {
+    AGPDisplayable* shown = screen != nullptr ? screen->getDisplayableElement() : nullptr;
+    if (shown == nullptr) {
+        return false;
+    }
+    if (shown->getAGPObjectType() == AGPObjectTypeInfo::ti_IppList && screen->hasBack()) {
+        return true;
+    }
+    if (isInHistory(screen, queue)) {
+        return true;
+    }
+    return eraseSameScreenID(screen, queue);
+}
+
+bool AGPGUIHandler::eraseSameScreenID(AGPIppScreen* screen, AGPQueueNumber queue) {
+    AGPDisplayable* shown = screen != nullptr ? screen->getDisplayableElement() : nullptr;
+    if (shown == nullptr || !validQueue(queue)) {
+        return false;
+    }
+    std::vector<AGPId>& cache = mCache[queue];
+    for (auto entry = cache.begin(); entry != cache.end(); ++entry) {
+        AGPIppScreen* older = asScreen(lookUp(*entry));
+        AGPDisplayable* olderElement = older != nullptr ? older->getDisplayableElement() : nullptr;
+        if (olderElement == nullptr) {
+            continue;
+        }
+        if (older == screen) {
+            return false;
+        }
+        if (older->getAGPID() == screen->getAGPID() &&
+            olderElement->getAGPObjectType() == shown->getAGPObjectType()) {
+            const AGPId id = *entry;
+            cache.erase(entry);
+            destroyTree(id);
+            return true;
+        }
+    }
+    return false;
+}
+
+void AGPGUIHandler::cleanupCacheAndHistory(int maxSize) {
+    AGP_LOG(5, "cleanupCacheAndHistory called");
+    const size_t limit = maxSize < 0 ? 0 : static_cast<size_t>(maxSize);
+    for (AGPQueueNumber queue = 0; queue < QUEUE_COUNT; ++queue) {
+        std::vector<AGPId>& cache = mCache[queue];
+        std::vector<AGPId>& history = mHistory[queue];
+        while (cache.size() > limit) {
+            const AGPId id = cache.front();
+            cache.erase(cache.begin());
+            auto last = std::find(history.rbegin(), history.rend(), id);
+            if (last != history.rend()) {
+                history.erase(history.begin(), last.base());
+            }
+            destroyTree(id);
+        }
+    }
+}
+
+// ---- Listeners, formats and focus bookkeeping ----
 
 void AGPGUIHandler::addFocusListener(AGPPhoneletFocusListenerIfc* listener) {
     CriticalSection lock(mGUILock);
@@ -267,4 +1506,20 @@ void AGPGUIHandler::releaseFocus(bool bringToFront) {
             phonelet->AGPReleaseFocus();
         }
     }
+}
+
+std::vector<AGPId> AGPGUIHandler::getCache(AGPQueueNumber queue) const {
+    return validQueue(queue) ? mCache[queue] : std::vector<AGPId>();
+}
+
+std::vector<AGPId> AGPGUIHandler::getHistory(AGPQueueNumber queue) const {
+    return validQueue(queue) ? mHistory[queue] : std::vector<AGPId>();
+}
+
+AGPId AGPGUIHandler::getAlertId(AGPQueueNumber queue) const {
+    return validQueue(queue) ? mAlert[static_cast<size_t>(queue)] : 0;
+}
+
+AGPId AGPGUIHandler::getPopupPlayerId(AGPQueueNumber queue) const {
+    return validQueue(queue) ? mPopupPlayer[static_cast<size_t>(queue)] : 0;
 }

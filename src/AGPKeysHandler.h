@@ -18,6 +18,10 @@ public:
     // A key of the phone's keypad was pressed; the digit collection of key elements uses it.
     void processKeyPressed(int key, PhysDefs::actionType action);
 
+    // The LED takes effect with the key handling; until then a request is dropped.
+    void turnLedOn() {}
+    void turnLedOff() {}
+
     PhysicalInterfaceServiceIfc* getPhysicalInterface() const { return mPhysicalInterface; }
     PhoneletManagerIfc* getPhoneletManager() const { return mPhoneletManager; }
 

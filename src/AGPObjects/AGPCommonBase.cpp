@@ -82,6 +82,16 @@ AGPCommonBase* AGPCommonBase::getChildByType(AGPObjectType type) {
     return nullptr;
 }
 
+bool AGPCommonBase::removeChild(AGPCommonBase* child) {
+    auto found = std::find(mChildren.begin(), mChildren.end(), child);
+    if (child == nullptr || found == mChildren.end()) {
+        return false;
+    }
+    mChildren.erase(found);
+    child->mParent = nullptr;
+    return true;
+}
+
 void AGPCommonBase::getChildrenByType(AGPObjectType type, std::vector<AGPCommonBase*>& out) {
     out.clear();
     for (AGPCommonBase* child : mChildren) {

@@ -45,6 +45,9 @@ public:
     std::vector<AGPCommonBase*> getSequence() { return mChildren; }
     AGPCommonBase* getChildByType(AGPObjectType type);
     void getChildrenByType(AGPObjectType type, std::vector<AGPCommonBase*>& out);
+    // Takes `child` out of the child list and clears its parent, so that it outlives this tree;
+    // false when it is not a child of this element.
+    bool removeChild(AGPCommonBase* child);
 
     // Lists the tree under `root` in post-order (children before their parent, `root` last).
     static bool createTreeExplorationVector(AGPCommonBase* root, std::vector<AGPCommonBase*>& out);

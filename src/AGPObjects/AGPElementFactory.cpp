@@ -9,6 +9,11 @@
 #include "AGPDefault.h"
 #include "AGPFColor.h"
 #include "AGPInitial.h"
+#include "AGPIppAction.h"
+#include "AGPIppCommand.h"
+#include "AGPIppDisplay.h"
+#include "AGPIppHidden.h"
+#include "AGPIppScreen.h"
 #include "AGPKey.h"
 #include "AGPLabel.h"
 #include "AGPMaximum.h"
@@ -43,6 +48,11 @@ template <typename Element> AGPCommonBase* create() {
 // absent here, so the parser skips it like any unknown element.
 const std::unordered_map<std::string_view, Creator>& elementTable() {
     static const std::unordered_map<std::string_view, Creator> table = {
+        {"IppDisplay", create<AGPIppDisplay>},
+        {"IppScreen", create<AGPIppScreen>},
+        {"IppAction", create<AGPIppAction>},
+        {"IppCommand", create<AGPIppCommand>},
+        {"IppHidden", create<AGPIppHidden>},
         {"Encapsulation_s", create<Encapsulation_s>},
         {"Number", create<Encapsulation_s>},
         {"Encapsulation_ui", create<Encapsulation_ui>},

@@ -40,6 +40,8 @@ public:
     }
 
     int port() const { return mPort; }
+    // Set before the first request: the handler reads it unlocked.
+    void setDocument(const std::string& document) { mDocument = document; }
     // Path and query of every request, in arrival order.
     std::vector<std::string> requests() {
         std::lock_guard<std::mutex> lock(mMutex);

@@ -123,6 +123,7 @@ TEST(AgpPhone, SaysWhatIsWrongWithArgumentsAndFiles) {
 
 TEST(AgpPhone, RunsTheApplicationTakesPushesAndStopsOnSigterm) {
     ApplicationServer server;
+    server.setDocument(""); // an empty reply shows nothing, so pushes stay welcome
     PhoneProcess phone({"--url", "http://127.0.0.1:" + std::to_string(server.port()) + "/app/start", "--app",
                         "Phone-" + std::to_string(getpid()), "--push", "127.0.0.1:0", "--http", "127.0.0.1:0",
                         "--render", "text"});
@@ -155,6 +156,7 @@ TEST(AgpPhone, RunsTheApplicationTakesPushesAndStopsOnSigterm) {
 
 TEST(AgpPhone, ControlApiDrivesThePhoneAndQuits) {
     ApplicationServer server;
+    server.setDocument(""); // an empty reply shows nothing, so pushes stay welcome
     PhoneProcess phone({"--url", "http://127.0.0.1:" + std::to_string(server.port()) + "/start", "--app",
                         "Api-" + std::to_string(getpid()), "--push", "off", "--http", "127.0.0.1:0"});
     const std::string port = phone.waitForOutput("control API at http://127.0.0.1:([0-9]+)/api/");
@@ -195,6 +197,7 @@ TEST(AgpPhone, ControlApiDrivesThePhoneAndQuits) {
 
 TEST(AgpPhone, ScenarioScriptsPassFailAndReportMistakes) {
     ApplicationServer server;
+    server.setDocument(""); // an empty reply shows nothing, so pushes stay welcome
     const std::string directory = ::testing::TempDir();
     const std::string passing = directory + "/agp-passing.agp";
     std::ofstream(passing) << "# The phone asks for the start page with its own address.\n"

@@ -1,0 +1,71 @@
+// Base of the full-screen elements: their widget, commands, automatic timer and requests.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "AGPCommonBase.h"
+#include "AGPIppCommand.h"
+
+class AGPIppTicker;
+class AGPSendURLListenerIfc;
+
+namespace DisplayAPI {
+class Command;
+class CommandListener;
+class Displayable;
+class Timer;
+} // namespace DisplayAPI
+
+class AGPDisplayable : public AGPCommonBase {
+public:
+    AGPDisplayable();
+    AGPDisplayable(const AGPDisplayable&) = delete;
+    AGPDisplayable& operator=(const AGPDisplayable&) = delete;
+    // Deletes the timer; the commands belong to the screen.
+    ~AGPDisplayable() override;
+
+    virtual DisplayAPI::Displayable* getDisplayAPIDisplayable() = 0;
+    virtual void setTickerElement(AGPIppTicker& ticker);
+    virtual void setCommandElement(AGPIppCommand& command);
+    virtual void setSendURLListener(AGPSendURLListenerIfc* listener);
+    virtual AGPSendURLListenerIfc* getSendURLListener();
+    virtual void startTimer();
+    virtual void stopTimer();
+    virtual void setHighlight(bool on);
+    virtual void restoreFocusAndHighlight();
+    virtual bool isContextMenuDisplayed();
+    virtual bool isPopupMenuDisplayed();
+    virtual void pushRequestIndication();
+    virtual void processNotifyEvent(AGPIppCommand::AGPEvent event);
+    virtual bool hasBack();
+    // Sends a normal request to the element's Url; nothing without a Url.
+    virtual void reReadFromUrl(std::multimap<std::string, std::string>& keyValues);
+    // Sends an exit request, with or without a Url.
+    virtual void exitURL(std::multimap<std::string, std::string>& keyValues);
+    virtual void createTimer(DisplayAPI::CommandListener* listener, unsigned int milliseconds);
+
+    void initTimer(DisplayAPI::CommandListener* listener);
+    void setTimerCommand(AGPIppCommand* command);
+    void observeEventCommand(AGPIppCommand* command);
+    AGPIppCommand* findObservedEventCommand(AGPIppCommand::AGPEvent event);
+    // The content of the Url child, or the empty text.
+    std::string getUrl();
+
+    AGPIppCommand* getTimerCommand() const { return mTimerCommand; }
+    DisplayAPI::Timer* getTimer() const { return mTimer; }
+    bool isTimerRunning() const { return mTimerRunning; }
+    std::uint32_t getTimerDuration() const { return mTimerDuration; }
+
+protected:
+    AGPSendURLListenerIfc* mSendURLListener;
+    DisplayAPI::Timer* mTimer;
+    DisplayAPI::CommandListener* mTimerListener;
+    bool mTimerRunning;
+    std::uint32_t mTimerDuration;
+    AGPIppCommand* mTimerCommand;
+    DisplayAPI::Command* mTimerWidgetCommand;
+    std::vector<AGPIppCommand*> mObservedEventCommands;
+};

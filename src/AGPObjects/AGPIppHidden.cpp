@@ -1,0 +1,47 @@
+// A key and value that the screen adds to its requests without showing them.
+#include "AGPIppHidden.h"
+
+#include "AGPKey.h"
+#include "AGPObjectPool.h"
+
+AGPIppHidden::AGPIppHidden()
+    : mValueCount(0, 1), mType(TYPE_NOT_GIVEN), mTypeGiven(false), mKey(new AGPKey("null")),
+      mKeyGiven(false) {
+    registerElement();
+}
+
+AGPIppHidden::~AGPIppHidden() {
+    unregisterElement();
+    delete mKey;
+}
+
+bool AGPIppHidden::addChild(AGPCommonBase& child) {
+    if (child.getAGPObjectType() == AGPObjectTypeInfo::ti_Value) {
+        return addCountedChild(mValueCount, child);
+    }
+    return false;
+}
+
+bool AGPIppHidden::addAttribute(std::string& name, std::string& value) {
+    if (name == "Type") {
+        mType = value == "VALUE"         ? VALUE
+                : value == "PHONENUMBER" ? PHONENUMBER
+                : value == "IPADDRESS"   ? IPADDRESS
+                                         : TYPE_NOT_GIVEN;
+        mTypeGiven = mType != TYPE_NOT_GIVEN;
+        return mTypeGiven;
+    }
+    if (name == "Key") {
+        delete mKey;
+        mKey = AGPKey::parseAGPKey(value);
+        // Before the pool exists its fallback object cannot be compared; its text stands in for it.
+        const AGPKey* failed = AGPObjectPool::getAGPKey_PARSE_FAILED();
+        mKeyGiven = failed != nullptr ? *mKey != *failed : mKey->getValueText() != "PARSE_FAILED";
+        return mKeyGiven;
+    }
+    return false;
+}
+
+bool AGPIppHidden::isValid() {
+    return mTypeGiven && mKeyGiven && isCountValidValue();
+}
