@@ -250,7 +250,7 @@ bool Displayable::enterTabBarFromTop() {
         return false;
     }
     if (auto* tabScreen = static_cast<TabScreen*>(mTabScreen.get())) {
-        tabScreen->enterTabBarFromContent();
+        tabScreen->enterTabBarFromContent(this);
     } else {
         deliver(Command::standard(Command::TABBAR_ACTIVE));
     }

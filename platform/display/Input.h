@@ -35,12 +35,13 @@
 // ContextMenu                                                         command
 // PopupPlayer    cmd 13 / cmd 14           cmd 1 (rewind) / cmd 9     PLAY() or RECORD() when  cmd 2
 //                                          (forward)                  stopped, else cmd 15
-// Tab bar        Down: leave, cmd 17       cmd 18 / cmd 19 (the app   leave, cmd 17            -
-//                                          switches with nextTab)
+// Tab bar        Up: cmd 16 with the tab   cmd 18 / cmd 19 (the app   leave, cmd 17            -
+//                screen (leave upwards);   switches with nextTab)
+//                Down: leave, cmd 17
 //
 // Player digits: 5 cmd 8 (stop), 0 cmd 7 (call), * cmd 12 (delete), # CONFIRM().
 // Up on the first focusable item or row (or on a widget without rows) of a widget marked
-// setUsedWithTab(true, tabScreen) enters that tab bar and reports cmd 16 with the tab screen to the
+// setUsedWithTab(true, tabScreen) enters that tab bar and reports cmd 16 with that widget to the
 // tab screen's listeners; marked with a null tab screen, it reports cmd 16 with the widget itself.
 // Focus movement wraps unless setWrapAround(false); items that cannot take the focus are skipped.
 // Digits, * and #: typed into the text being edited (form text field, text box); digits only in

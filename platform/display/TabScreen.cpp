@@ -132,10 +132,10 @@ bool TabScreen::isTabBarActive() const {
     return mBarActive;
 }
 
-void TabScreen::enterTabBarFromContent() {
+void TabScreen::enterTabBarFromContent(Displayable* content) {
     mBarActive = true;
     mLeftUpwards = false;
-    deliver(Command::standard(Command::TABBAR_ACTIVE));
+    core::postCommand(this, Command::standard(Command::TABBAR_ACTIVE), content);
     core::changed();
 }
 
@@ -145,6 +145,10 @@ bool TabScreen::handleKey(Key key) {
         return content != nullptr && content->handleKey(key);
     }
     switch (key) {
+    case Key::Up:
+        // The application decides whether the focus leaves for the phone's own bar.
+        deliver(Command::standard(Command::TABBAR_ACTIVE));
+        return true;
     case Key::Left:
         deliver(Command::standard(Command::TAB_BACK));
         return true;

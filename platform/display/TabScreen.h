@@ -48,7 +48,10 @@ public:
 
     // ---- Used by the library itself; callers hold the library lock. ----
     // Up from the top of a tab's widget: the bar takes the focus and TABBAR_ACTIVE is reported.
-    void enterTabBarFromContent();
+    // The focus moved up from `content` into the bar: reported with that widget, so that the
+    // application can tell it from a report with the tab screen itself, which asks to leave the
+    // bar upwards into the phone's own bar (Up while the bar has the focus).
+    void enterTabBarFromContent(Displayable* content);
     bool handleKey(Key key) override;
     bool handleText(const std::string& text) override;
     std::vector<std::string> softKeyLabels() const override;
