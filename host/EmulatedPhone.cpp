@@ -118,6 +118,12 @@ void EmulatedPhone::sendToBack(Phonelet& phonelet) {
     phonelet.hide();
 }
 
+void EmulatedPhone::tabBarFocusChanged(bool inTabBar) {
+    if (mPhonelet != nullptr) {
+        mPhonelet->tabStatusChange(inTabBar);
+    }
+}
+
 void EmulatedPhone::stopPhonelet(Phonelet& phonelet) {
     if (&phonelet == mPhonelet) {
         stopOnLoop();

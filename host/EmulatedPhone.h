@@ -66,6 +66,8 @@ public:
     void bringToFront(Phonelet& phonelet, bool forced) override;
     void sendToBack(Phonelet& phonelet) override;
     void stopPhonelet(Phonelet& phonelet) override;
+    // The phone's own tab bar took the focus from the application (true) or gave it back.
+    void tabBarFocusChanged(bool inTabBar) override;
 
 private:
     void registerServices();
