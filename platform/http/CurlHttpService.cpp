@@ -609,6 +609,11 @@ void CurlHttpService::setTrafficObserver(std::shared_ptr<HttpTrafficObserver> ob
     mObserver = std::move(observer);
 }
 
+void CurlHttpService::setTimeoutCap(int seconds) {
+    mTimeoutCap.store(std::max(seconds, 0));
+    HTTP_LOG(5, "Time-out cap: %d s (0: none)\n", std::max(seconds, 0));
+}
+
 int CurlHttpService::handleCount() const {
     std::lock_guard<std::mutex> lock(mMutex);
     return static_cast<int>(mHandles.size());
@@ -656,7 +661,8 @@ int CurlHttpService::request(const std::string& proxyAddr, const std::string& pr
     exchange.contentType = contentType;
     exchange.flags = flags;
     exchange.extraHeaders = &requestHeaders;
-    exchange.timeoutSeconds = timeoutSeconds;
+    const int cap = mTimeoutCap.load();
+    exchange.timeoutSeconds = cap > 0 && (timeoutSeconds <= 0 || timeoutSeconds > cap) ? cap : timeoutSeconds;
     exchange.aborted = &mAborted;
     exchange.url = url;
     exchange.useProxy = !proxyAddr.empty() && !proxyPort.empty();
