@@ -233,6 +233,9 @@ TEST(AGPMessageQueueHandler, StartRequiresTheServicesItFeeds) {
 }
 
 TEST(AGPMessageQueueHandler, ManyProducersLoseNothingWithinTheLimits) {
+    // Made before the producers start, as the phonelet's start-up does: the registry's services are
+    // created on first use without a lock.
+    AGPPhoneletManager::getAGPObjectMap();
     AGPPhoneletManager::getAGPServerConnection();
     AGPPhoneletManager::getAGPXMLParser();
     AGPPhoneletManager::getAGPGUIHandler();
