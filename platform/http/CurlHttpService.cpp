@@ -394,10 +394,10 @@ void performExchange(CURL* easy, Exchange& exchange, Response& response) {
     int redirections = 0;
 
     for (;;) {
-        if (response.fd >= 0 &&
-            (::ftruncate(response.fd, 0) != 0 || ::lseek(response.fd, 0, SEEK_SET) != 0)) {
+        // Each response overwrites from the start; the file is cut to its length once, at the end.
+        if (response.fd >= 0 && ::lseek(response.fd, 0, SEEK_SET) != 0) {
             exchange.status = HttpServiceIfc::STATUS_UNKNOWN_ERROR;
-            exchange.detail = std::string("cannot truncate the download file: ") + std::strerror(errno);
+            exchange.detail = std::string("cannot rewind the download file: ") + std::strerror(errno);
             return;
         }
         response.reset();
@@ -693,8 +693,7 @@ int CurlHttpService::request(const std::string& proxyAddr, const std::string& pr
     } else {
         std::lock_guard<std::mutex> busy(handle->busy);
         if (!downloadFile.empty()) {
-            response.fd =
-                ::open(downloadFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0600);
+            response.fd = ::open(downloadFile.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
             if (response.fd < 0) {
                 exchange.status = STATUS_UNKNOWN_ERROR;
                 exchange.detail =
@@ -707,6 +706,10 @@ int CurlHttpService::request(const std::string& proxyAddr, const std::string& pr
             performExchange(handle->easy, exchange, response);
         }
         if (response.fd >= 0) {
+            if (::ftruncate(response.fd, static_cast<off_t>(response.bodySize)) != 0 && exchange.status < 0) {
+                exchange.status = STATUS_UNKNOWN_ERROR;
+                exchange.detail = std::string("cannot truncate the download file: ") + std::strerror(errno);
+            }
             ::close(response.fd);
         }
         url = exchange.url;

@@ -24,7 +24,10 @@
 // CurlHttpService.cpp for the mapping of libcurl's errors onto the connection statuses.
 //
 // Download file: opened without following a symbolic link (a link planted at the predictable
-// path in /tmp fails the request instead of redirecting our write) and set to mode 0600.
+// path in /tmp fails the request instead of redirecting our write) and set to mode 0600. It is
+// overwritten in place and cut to the body's length after the transfer, never truncated to zero
+// first: ext4 flushes a file to disk when it is closed after such a truncation, which made every
+// small request on a disk-backed /tmp take milliseconds.
 //
 // TLS: peers are verified (certificate chain and host name) against the system's CA store
 // (libcurl's default bundle), plus the certificates of an optional extra CA file (PEM) from the
