@@ -394,10 +394,10 @@ void performExchange(CURL* easy, Exchange& exchange, Response& response) {
     int redirections = 0;
 
     for (;;) {
-        if (response.fd >= 0 &&
-            (::ftruncate(response.fd, 0) != 0 || ::lseek(response.fd, 0, SEEK_SET) != 0)) {
+        // Each response overwrites from the start; the file is cut to its length once, at the end.
+        if (response.fd >= 0 && ::lseek(response.fd, 0, SEEK_SET) != 0) {
             exchange.status = HttpServiceIfc::STATUS_UNKNOWN_ERROR;
-            exchange.detail = std::string("cannot truncate the download file: ") + std::strerror(errno);
+            exchange.detail = std::string("cannot rewind the download file: ") + std::strerror(errno);
             return;
         }
         response.reset();
@@ -609,6 +609,11 @@ void CurlHttpService::setTrafficObserver(std::shared_ptr<HttpTrafficObserver> ob
     mObserver = std::move(observer);
 }
 
+void CurlHttpService::setTimeoutCap(int seconds) {
+    mTimeoutCap.store(std::max(seconds, 0));
+    HTTP_LOG(5, "Time-out cap: %d s (0: none)\n", std::max(seconds, 0));
+}
+
 int CurlHttpService::handleCount() const {
     std::lock_guard<std::mutex> lock(mMutex);
     return static_cast<int>(mHandles.size());
@@ -656,7 +661,8 @@ int CurlHttpService::request(const std::string& proxyAddr, const std::string& pr
     exchange.contentType = contentType;
     exchange.flags = flags;
     exchange.extraHeaders = &requestHeaders;
-    exchange.timeoutSeconds = timeoutSeconds;
+    const int cap = mTimeoutCap.load();
+    exchange.timeoutSeconds = cap > 0 && (timeoutSeconds <= 0 || timeoutSeconds > cap) ? cap : timeoutSeconds;
     exchange.aborted = &mAborted;
     exchange.url = url;
     exchange.useProxy = !proxyAddr.empty() && !proxyPort.empty();
@@ -687,8 +693,7 @@ int CurlHttpService::request(const std::string& proxyAddr, const std::string& pr
     } else {
         std::lock_guard<std::mutex> busy(handle->busy);
         if (!downloadFile.empty()) {
-            response.fd =
-                ::open(downloadFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0600);
+            response.fd = ::open(downloadFile.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
             if (response.fd < 0) {
                 exchange.status = STATUS_UNKNOWN_ERROR;
                 exchange.detail =
@@ -701,6 +706,10 @@ int CurlHttpService::request(const std::string& proxyAddr, const std::string& pr
             performExchange(handle->easy, exchange, response);
         }
         if (response.fd >= 0) {
+            if (::ftruncate(response.fd, static_cast<off_t>(response.bodySize)) != 0 && exchange.status < 0) {
+                exchange.status = STATUS_UNKNOWN_ERROR;
+                exchange.detail = std::string("cannot truncate the download file: ") + std::strerror(errno);
+            }
             ::close(response.fd);
         }
         url = exchange.url;

@@ -24,7 +24,10 @@
 // CurlHttpService.cpp for the mapping of libcurl's errors onto the connection statuses.
 //
 // Download file: opened without following a symbolic link (a link planted at the predictable
-// path in /tmp fails the request instead of redirecting our write) and set to mode 0600.
+// path in /tmp fails the request instead of redirecting our write) and set to mode 0600. It is
+// overwritten in place and cut to the body's length after the transfer, never truncated to zero
+// first: ext4 flushes a file to disk when it is closed after such a truncation, which made every
+// small request on a disk-backed /tmp take milliseconds.
 //
 // TLS: peers are verified (certificate chain and host name) against the system's CA store
 // (libcurl's default bundle), plus the certificates of an optional extra CA file (PEM) from the
@@ -69,6 +72,13 @@ public:
     // under way is safe: a request reports to the observer that was set when it finished.
     void setTrafficObserver(std::shared_ptr<HttpTrafficObserver> observer);
 
+    // Platform setting, which the emulator may expose: every request's time-out is at most `seconds`
+    // (also one that asked for none); 0 or less lifts the cap. The phonelet's own time-outs are long
+    // (a minute for a document), so a test or a developer who wants a stalled server to be noticed
+    // quickly lowers them here rather than in the phonelet. Applies to the requests started
+    // afterwards; may be called from any thread.
+    void setTimeoutCap(int seconds);
+
     // Number of connection handles the service holds (for tests and the developer panel).
     int handleCount() const;
 
@@ -84,4 +94,5 @@ private:
     std::shared_ptr<const std::string> mCaBlob; // system bundle + extra CA file; null: system only
     std::shared_ptr<HttpTrafficObserver> mObserver;
     std::atomic<bool> mAborted{false};
+    std::atomic<int> mTimeoutCap{0};
 };

@@ -46,6 +46,8 @@ public:
     //   url                   in: the URL to request (http or https); out: the URL finally
     //                         requested after redirections (unchanged when none was followed).
     //   timeoutSeconds        limit for the whole transfer, redirections included; 0 or less: none.
+    //                         The platform may lower it by a setting of its own (CurlHttpService::
+    //                         setTimeoutCap), never raise it.
     //   body, contentType     request body and its Content-Type; used only for POST.
     //   language              sent as Accept-Language when not empty.
     //   flags                 see FLAG_FOLLOW_REDIRECTIONS.

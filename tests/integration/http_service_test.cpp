@@ -2,199 +2,29 @@
 // HTTP and HTTPS (certificate made at test time), and a tiny proxy of our own.
 #include <gtest/gtest.h>
 
-#include <httplib.h>
-#include <netinet/in.h>
-#include <openssl/evp.h>
-#include <openssl/pem.h>
-#include <openssl/x509.h>
-#include <openssl/x509v3.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
-#include <cstdio>
-#include <cstdlib>
 #include <fstream>
 #include <memory>
 #include <mutex>
-#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "LoopbackServers.h"
 #include "http/CurlHttpService.h"
 #include "http/HttpServiceHeaders.h"
 #include "logging/LogCapture.h"
 
 namespace {
 
-// ---- Helpers ----
-
-std::string makeTempDir() {
-    char pattern[] = "/tmp/agp-http-test-XXXXXX";
-    const char* dir = mkdtemp(pattern);
-    return dir != nullptr ? dir : "";
-}
-
-void removeTree(const std::string& dir) {
-    if (!dir.empty() && dir.rfind("/tmp/agp-http-test-", 0) == 0) {
-        std::system(("rm -rf '" + dir + "'").c_str());
-    }
-}
-
-std::string readFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream content;
-    content << in.rdbuf();
-    return content.str();
-}
-
 bool fileExists(const std::string& path) {
     struct stat info {};
     return ::stat(path.c_str(), &info) == 0;
 }
-
-// A loopback port on which nobody listens (bound, read, and closed again).
-int unusedPort() {
-    const int fd = ::socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    ::bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address);
-    socklen_t length = sizeof address;
-    ::getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length);
-    ::close(fd);
-    return ntohs(address.sin_port);
-}
-
-// A self-signed certificate for 127.0.0.1 and its key, as PEM files.
-bool makeCertificate(const std::string& certPath, const std::string& keyPath) {
-    EVP_PKEY* key = EVP_EC_gen("P-256");
-    X509* cert = X509_new();
-    bool ok = key != nullptr && cert != nullptr;
-    if (ok) {
-        X509_set_version(cert, 2);
-        ASN1_INTEGER_set(X509_get_serialNumber(cert), 1);
-        X509_gmtime_adj(X509_getm_notBefore(cert), -3600);
-        X509_gmtime_adj(X509_getm_notAfter(cert), 24 * 3600);
-        X509_set_pubkey(cert, key);
-        X509_NAME* name = X509_get_subject_name(cert);
-        X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC,
-                                   reinterpret_cast<const unsigned char*>("127.0.0.1"), -1, -1, 0);
-        X509_set_issuer_name(cert, name);
-        X509V3_CTX context;
-        X509V3_set_ctx_nodb(&context);
-        X509V3_set_ctx(&context, cert, cert, nullptr, nullptr, 0);
-        X509_EXTENSION* altNames =
-            X509V3_EXT_conf_nid(nullptr, &context, NID_subject_alt_name, "IP:127.0.0.1,DNS:localhost");
-        ok = altNames != nullptr && X509_add_ext(cert, altNames, -1) == 1;
-        X509_EXTENSION_free(altNames);
-        ok = ok && X509_sign(cert, key, EVP_sha256()) > 0;
-    }
-    if (ok) {
-        FILE* certFile = std::fopen(certPath.c_str(), "w");
-        FILE* keyFile = std::fopen(keyPath.c_str(), "w");
-        ok = certFile != nullptr && keyFile != nullptr && PEM_write_X509(certFile, cert) == 1 &&
-             PEM_write_PrivateKey(keyFile, key, nullptr, nullptr, 0, nullptr, nullptr) == 1;
-        if (certFile != nullptr) {
-            std::fclose(certFile);
-        }
-        if (keyFile != nullptr) {
-            std::fclose(keyFile);
-        }
-    }
-    X509_free(cert);
-    EVP_PKEY_free(key);
-    return ok;
-}
-
-// Runs a cpp-httplib server (HTTP or HTTPS) on a free loopback port in its own thread.
-class ServerRunner {
-public:
-    explicit ServerRunner(httplib::Server& server) : mServer(server) {
-        mPort = mServer.bind_to_any_port("127.0.0.1");
-        mThread = std::thread([this] { mServer.listen_after_bind(); });
-        for (int i = 0; i < 500 && !mServer.is_running(); ++i) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(2));
-        }
-    }
-    ~ServerRunner() {
-        mServer.stop();
-        mThread.join();
-    }
-    int port() const { return mPort; }
-
-private:
-    httplib::Server& mServer;
-    int mPort = -1;
-    std::thread mThread;
-};
-
-// A minimal HTTP proxy: answers a request in absolute form with "via proxy", and refuses every
-// CONNECT (tunnel) with 403. Records the request lines.
-class TinyProxy {
-public:
-    TinyProxy() {
-        mSocket = ::socket(AF_INET, SOCK_STREAM, 0);
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        ::bind(mSocket, reinterpret_cast<sockaddr*>(&address), sizeof address);
-        socklen_t length = sizeof address;
-        ::getsockname(mSocket, reinterpret_cast<sockaddr*>(&address), &length);
-        mPort = ntohs(address.sin_port);
-        ::listen(mSocket, 8);
-        mThread = std::thread([this] { run(); });
-    }
-    ~TinyProxy() {
-        ::shutdown(mSocket, SHUT_RDWR); // ends the accept
-        mThread.join();
-        ::close(mSocket);
-    }
-    int port() const { return mPort; }
-    std::vector<std::string> requestLines() const {
-        std::lock_guard<std::mutex> lock(mMutex);
-        return mRequestLines;
-    }
-
-private:
-    void run() {
-        for (;;) {
-            const int client = ::accept(mSocket, nullptr, nullptr);
-            if (client < 0) {
-                return;
-            }
-            std::string request;
-            char buffer[4096];
-            while (request.find("\r\n\r\n") == std::string::npos) {
-                const ssize_t got = ::recv(client, buffer, sizeof buffer, 0);
-                if (got <= 0) {
-                    break;
-                }
-                request.append(buffer, static_cast<size_t>(got));
-            }
-            {
-                std::lock_guard<std::mutex> lock(mMutex);
-                mRequestLines.push_back(request.substr(0, request.find("\r\n")));
-            }
-            const std::string reply =
-                request.rfind("CONNECT ", 0) == 0
-                    ? "HTTP/1.1 403 Forbidden\r\nContent-Length: 0\r\nConnection: close\r\n\r\n"
-                    : "HTTP/1.1 200 OK\r\nContent-Length: 9\r\nConnection: close\r\n\r\nvia proxy";
-            ::send(client, reply.data(), reply.size(), MSG_NOSIGNAL);
-            ::close(client);
-        }
-    }
-
-    int mSocket = -1;
-    int mPort = 0;
-    std::thread mThread;
-    mutable std::mutex mMutex;
-    std::vector<std::string> mRequestLines;
-};
 
 // The routes every test server serves.
 class Routes {
@@ -594,7 +424,7 @@ TEST_F(HttpServiceTest, NetworkFailuresMapOntoTheConnectionStatuses) {
     EXPECT_EQ(refused.status, 5);
 
     Call unknownHost;
-    unknownHost.url = "http://agp-test.invalid/";
+    unknownHost.url = "http://" + std::string(kUnresolvableHost) + "/";
     unknownHost.run(mService, mFile);
     EXPECT_EQ(unknownHost.result, 0);
     EXPECT_EQ(unknownHost.status, 2);

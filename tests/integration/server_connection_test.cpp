@@ -1,14 +1,17 @@
-// The configuration record, the server connection and remote trace against a loopback server.
+// The configuration record, the server connection and remote trace against loopback servers.
 #include <gtest/gtest.h>
-#include <httplib.h>
+#include <unistd.h>
 
 #include <ctime>
-#include <thread>
+#include <fstream>
+#include <memory>
+#include <mutex>
 
 #include "AGPDataObserver.h"
 #include "AGPPhoneletManager.h"
 #include "AGPRemoteTraceHandler.h"
 #include "AGPServerConnection.h"
+#include "LoopbackServers.h"
 #include "clock/ClockService.h"
 #include "config/ConfigurationStore.h"
 #include "config/ManageableData.h"
@@ -19,31 +22,64 @@
 
 namespace {
 
+const size_t kBigBody = 50u * 1024 * 1024;
+
+char bigBodyByte(size_t offset) {
+    return static_cast<char>(offset % 251);
+}
+
+// The faults a real HTTP server does not commit, chosen by the request path.
+RawServer::Reply misbehave(const std::string& request) {
+    RawServer::Reply reply;
+    if (request.find(" /cut ") != std::string::npos) {
+        reply.bytes = "HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\nonly the start";
+    } else if (request.find(" /gzip ") != std::string::npos) {
+        reply.bytes = "HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\nContent-Length: 12\r\n\r\nnot gzipped!";
+    } else if (request.find(" /silent ") != std::string::npos) {
+        reply.hold = true;
+    } else {
+        // Ends its side first, so that the client stops reading and only a send can fail.
+        reply.drain = 1024 * 1024;
+        reply.reset = true;
+    }
+    return reply;
+}
+
 class ServerConnection : public ::testing::Test {
 protected:
     void SetUp() override {
         mServer.Get("/doc", [](const httplib::Request&, httplib::Response& response) {
             response.set_content("<Text>hello</Text>", "text/xml");
         });
-        mServer.Get("/loop", [](const httplib::Request&, httplib::Response& response) {
-            response.status = 302;
-            response.set_header("Location", "/loop");
+        mServer.Get("/big", [](const httplib::Request&, httplib::Response& response) {
+            response.set_content_provider(kBigBody, "application/octet-stream",
+                                          [](size_t offset, size_t length, httplib::DataSink& sink) {
+                                              std::string chunk(std::min<size_t>(length, 65536), '\0');
+                                              for (size_t i = 0; i < chunk.size(); ++i) {
+                                                  chunk[i] = bigBodyByte(offset + i);
+                                              }
+                                              return sink.write(chunk.data(), chunk.size());
+                                          });
         });
+        mServer.Get(R"(/status/(\d+))", [](const httplib::Request& request, httplib::Response& response) {
+            response.status = std::stoi(request.matches[1]);
+        });
+        redirect("/loop/a", "/loop/b");
+        redirect("/loop/b", "/loop/a");
+        redirect("/ftp", "ftp://127.0.0.1/file");
+        redirect("/badlocation", "http://[::1/x");
         mServer.Post("/trace", [this](const httplib::Request& request, httplib::Response&) {
             std::lock_guard<std::mutex> lock(mMutex);
             mTraces.push_back(request.body);
         });
-        mPort = mServer.bind_to_any_port("127.0.0.1");
-        mThread = std::thread([this] { mServer.listen_after_bind(); });
-        while (!mServer.is_running()) {
-            std::this_thread::yield();
-        }
+        mRunner = std::make_unique<ServerRunner>(mServer);
 
+        // Tests run in parallel processes, and each download file is named after the application.
         mStore.setValues({{"app-name-7", mAppName},
                           {"app-name-3", mAppName},
                           {"app-name-2", "News"},
                           {"server-addr-3", "127.0.0.1"},
-                          {"server-port-3", std::to_string(mPort)},
+                          {"server-port-3", std::to_string(mRunner->port())},
                           {"transport-3", "http"},
                           {"program-name-3", "doc"},
                           {"ipaddress", "192.0.2.55"},
@@ -54,22 +90,54 @@ protected:
     }
     void TearDown() override {
         AGPPhoneletManager::shutdownPhonelet();
-        mServer.stop();
-        mThread.join();
+        mRunner.reset();
     }
 
+    void redirect(const std::string& path, const std::string& location) {
+        mServer.Get(path, [location](const httplib::Request&, httplib::Response& response) {
+            response.status = 302;
+            response.set_header("Location", location);
+        });
+    }
     AGPDataObserver* configuration() { return AGPPhoneletManager::getAGPDataObserver(); }
-    std::string url(const std::string& path) { return "http://127.0.0.1:" + std::to_string(mPort) + path; }
+    // Started once; later calls read the configuration again, as a change notification would.
+    AGPServerConnection* connection() {
+        AGPServerConnection* connection = AGPPhoneletManager::getAGPServerConnection();
+        if (!mStarted) {
+            EXPECT_TRUE(configuration()->updateXMLApplicationConfiguration(mAppName));
+            EXPECT_TRUE(connection->startAGPServerConnection(&mHttp));
+            mStarted = true;
+        }
+        configuration()->getXMLApplicationData("3");
+        return connection;
+    }
+    std::string url(const std::string& path) { return mRunner->base() + path; }
 
-    // The download file is named after the application: tests running at the same time differ.
-    const std::string mAppName =
-        std::string("Weather-") + ::testing::UnitTest::GetInstance()->current_test_info()->name();
+    // The error text of a request that must fail.
+    std::string failure(const std::string& url, const std::string& postBody = "") {
+        char* data = new char[1];
+        unsigned int size = 1;
+        HttpServiceHeaders headers;
+        std::string error;
+        AGPServerConnection* server = connection();
+        const int result = postBody.empty() ? server->getHttpData(url, AGPServerConnection::XML_DOCUMENT,
+                                                                  data, size, headers, error)
+                                            : server->postHttpData(url, AGPServerConnection::XML_DOCUMENT,
+                                                                   postBody, data, size, headers, error);
+        EXPECT_EQ(result, 0) << url;
+        EXPECT_EQ(data, nullptr) << url;
+        EXPECT_EQ(size, 0u) << url;
+        delete[] data;
+        return error;
+    }
+
+    const std::string mAppName = "Weather-" + std::to_string(::getpid());
     EventLoop mLoop;
     ConfigurationStore mStore{mLoop};
     CurlHttpService mHttp;
     httplib::Server mServer;
-    int mPort = 0;
-    std::thread mThread;
+    std::unique_ptr<ServerRunner> mRunner;
+    bool mStarted = false;
     std::mutex mMutex;
     std::vector<std::string> mTraces;
 };
@@ -78,11 +146,10 @@ protected:
 
 TEST_F(ServerConnection, FindsTheApplicationAndDerivesItsSettings) {
     LogCapture log(5);
-    std::string lowerCase = mAppName;
-    lowerCase[0] = 'w';
-    EXPECT_FALSE(configuration()->updateXMLApplicationConfiguration(lowerCase)) << "names are case-sensitive";
-    EXPECT_TRUE(
-        log.contains("AGPDataObserver", 5, "Couldn't find index of XML Application [" + lowerCase + "]"));
+    EXPECT_FALSE(configuration()->updateXMLApplicationConfiguration("w" + mAppName.substr(1)))
+        << "names are case-sensitive";
+    EXPECT_TRUE(log.contains("AGPDataObserver", 5,
+                             "Couldn't find index of XML Application [w" + mAppName.substr(1) + "]"));
     ASSERT_TRUE(configuration()->updateXMLApplicationConfiguration(mAppName));
     EXPECT_EQ(configuration()->getIndex(), "3") << "the first entry in answer order wins";
     EXPECT_EQ(configuration()->getServerAddress(), "127.0.0.1");
@@ -100,43 +167,118 @@ TEST_F(ServerConnection, FindsTheApplicationAndDerivesItsSettings) {
                              "processChangedManageableData: Unsupported rootId = server-addr-1"));
 }
 
-TEST_F(ServerConnection, FetchesDocumentsAndExplainsFailures) {
-    ASSERT_TRUE(configuration()->updateXMLApplicationConfiguration(mAppName));
-    AGPServerConnection* connection = AGPPhoneletManager::getAGPServerConnection();
-    ASSERT_TRUE(connection->startAGPServerConnection(&mHttp));
-    EXPECT_EQ(connection->getDownloadFile(), "/tmp/AGPApp-" + mAppName);
-
+TEST_F(ServerConnection, FetchesDocumentsWhateverTheirSize) {
+    AGPServerConnection* server = connection();
+    EXPECT_EQ(server->getDownloadFile(), "/tmp/AGPApp-" + mAppName);
     char* data = nullptr;
     unsigned int size = 0;
     HttpServiceHeaders headers;
     std::string error = "stale";
-    ASSERT_EQ(
-        connection->getHttpData(url("/doc"), AGPServerConnection::XML_DOCUMENT, data, size, headers, error),
-        1);
+    ASSERT_EQ(server->getHttpData(url("/doc"), AGPServerConnection::XML_DOCUMENT, data, size, headers, error),
+              1);
     EXPECT_EQ(std::string(data, size), "<Text>hello</Text>");
     EXPECT_EQ(error, "");
 
-    EXPECT_EQ(
-        connection->getHttpData(url("/loop"), AGPServerConnection::XML_DOCUMENT, data, size, headers, error),
-        0);
-    EXPECT_EQ(data, nullptr);
-    EXPECT_EQ(error, "Redirection loop detected\nRequested URI: " + url("/loop")) << error;
+    ASSERT_EQ(server->getHttpData(url("/big"), AGPServerConnection::IMAGE, data, size, headers, error), 1);
+    ASSERT_EQ(size, kBigBody);
+    for (size_t offset : {size_t{0}, size_t{65535}, size_t{65536}, kBigBody / 2 + 7, kBigBody - 1}) {
+        EXPECT_EQ(data[offset], bigBodyByte(offset)) << offset;
+    }
+    delete[] data;
+}
 
-    EXPECT_EQ(connection->getHttpData(url("/missing"), AGPServerConnection::XML_DOCUMENT, data, size, headers,
-                                      error),
-              0);
-    EXPECT_EQ(error, "HTTP status code: 404\nRequested URI: " + url("/missing"));
+TEST_F(ServerConnection, HttpStatusesAndRedirectionsBecomeErrorTexts) {
+    EXPECT_EQ(failure(url("/status/404")), "HTTP status code: 404\nRequested URI: " + url("/status/404"));
+    EXPECT_EQ(failure(url("/status/500")), "HTTP status code: 500\nRequested URI: " + url("/status/500"));
+    EXPECT_EQ(failure(url("/ftp")), "Invalid redirection detected\nRequested URI: " + url("/ftp"));
+    EXPECT_EQ(failure(url("/badlocation")),
+              "Invalid redirection detected\nRequested URI: " + url("/badlocation"));
+    EXPECT_EQ(failure(url("/loop/a")), "Redirection loop detected\nRequested URI: " + url("/loop/b") +
+                                           "\nOriginal URI: " + url("/loop/a"));
 
     const std::string longUrl = url("/" + std::string(1500, 'a'));
-    connection->getHttpData(longUrl, AGPServerConnection::XML_DOCUMENT, data, size, headers, error);
-    EXPECT_EQ(error, "HTTP status code: 404\nRequested URI: " + longUrl.substr(0, 1024) + "...");
+    const std::string text = failure(longUrl);
+    EXPECT_EQ(text, "HTTP status code: 404\nRequested URI: " + longUrl.substr(0, 1024) + "...");
+}
+
+TEST_F(ServerConnection, NetworkFaultsBecomeErrorTexts) {
+    const std::string refused = "http://127.0.0.1:" + std::to_string(unusedPort()) + "/";
+    EXPECT_EQ(failure(refused), "Network connection error\nRequested URI: " + refused);
+    const std::string unknownHost = "http://" + std::string(kUnresolvableHost) + "/";
+    EXPECT_EQ(failure(unknownHost),
+              "Hostname to IP address conversion failed\nRequested URI: " + unknownHost);
+    EXPECT_EQ(failure("http://[::1/x"), "URI parser failed\nRequested URI: http://[::1/x");
+
+    RawServer faulty(misbehave);
+    EXPECT_EQ(failure(faulty.base() + "/cut"),
+              "HTTP response failed\nRequested URI: " + faulty.base() + "/cut");
+    EXPECT_EQ(failure(faulty.base() + "/gzip"),
+              "Invalid HTTP response content\nRequested URI: " + faulty.base() + "/gzip");
+    mHttp.setTimeoutCap(1); // instead of the minute a document may take
+    EXPECT_EQ(failure(faulty.base() + "/silent"),
+              "Network connection error\nRequested URI: " + faulty.base() + "/silent");
+    mHttp.setTimeoutCap(0);
+    // A server that drops the connection while a large body is still being sent. (libcurl reads
+    // before it writes, so a reset alone would be seen as a failed response.)
+    EXPECT_EQ(failure(faulty.base() + "/reset", std::string(8 * 1024 * 1024, 'p')),
+              "HTTP request failed\nRequested URI: " + faulty.base() + "/reset");
+
+    // A link planted at the download file's path is not followed: a local fault, the target untouched.
+    const std::string dir = makeTempDir();
+    std::ofstream(dir + "/target") << "keep";
+    const std::string path = "/tmp/AGPApp-" + mAppName;
+    std::remove(path.c_str());
+    ASSERT_EQ(::symlink((dir + "/target").c_str(), path.c_str()), 0);
+    EXPECT_EQ(failure(url("/doc")), "Unknown network error occurred\nRequested URI: " + url("/doc"));
+    EXPECT_EQ(readFile(dir + "/target"), "keep");
+    std::remove(path.c_str());
+    removeTree(dir);
+}
+
+TEST_F(ServerConnection, TlsFailuresBecomeErrorTexts) {
+    const std::string dir = makeTempDir();
+    ASSERT_TRUE(makeCertificate(dir + "/cert.pem", dir + "/key.pem"));
+    httplib::SSLServer tls((dir + "/cert.pem").c_str(), (dir + "/key.pem").c_str());
+    ASSERT_TRUE(tls.is_valid());
+    tls.Get("/doc", [](const httplib::Request&, httplib::Response& response) {
+        response.set_content("secret", "text/plain");
+    });
+    {
+        ServerRunner runner(tls);
+        const std::string selfSigned = "https://127.0.0.1:" + std::to_string(runner.port()) + "/doc";
+        EXPECT_EQ(failure(selfSigned), "Valid certificate not found\nRequested URI: " + selfSigned);
+    }
+    const std::string plain = "https://127.0.0.1:" + std::to_string(mRunner->port()) + "/doc";
+    EXPECT_EQ(failure(plain), "Could not establish secure connection\nRequested URI: " + plain);
+    removeTree(dir);
+}
+
+TEST_F(ServerConnection, TheProxyComesFromTheConfiguration) {
+    TinyProxy proxy;
+    const std::string port = std::to_string(proxy.port());
+    mStore.setValues(
+        {{"proxy-enabled-3", "Yes"}, {"http-proxy-addr", "127.0.0.1"}, {"http-proxy-port", port}});
+    EXPECT_EQ(failure("https://agp-test.invalid/"), "Could not establish secure tunnel: 127.0.0.1:" + port +
+                                                        "\nRequested URI: https://agp-test.invalid/");
+    ASSERT_EQ(proxy.requestLines().size(), 1u);
+
+    mStore.setValue("proxy-enabled-3", "yes");
+    char* data = nullptr;
+    unsigned int size = 0;
+    HttpServiceHeaders headers;
+    std::string error;
+    EXPECT_EQ(
+        connection()->getHttpData(url("/doc"), AGPServerConnection::XML_DOCUMENT, data, size, headers, error),
+        1)
+        << error;
+    EXPECT_EQ(std::string(data, size), "<Text>hello</Text>");
+    EXPECT_EQ(proxy.requestLines().size(), 1u) << "\"yes\" is not \"Yes\": no proxy";
     delete[] data;
 }
 
 TEST_F(ServerConnection, RemoteTraceOnlyWhenEnabled) {
     mStore.setValues({{"remote-debug-3", "enabled"}, {"debug-prog-name-3", "trace"}});
-    ASSERT_TRUE(configuration()->updateXMLApplicationConfiguration(mAppName));
-    AGPPhoneletManager::getAGPServerConnection()->startAGPServerConnection(&mHttp);
+    connection();
     ClockService clock;
     AGPRemoteTraceHandler* trace = AGPPhoneletManager::getAGPRemoteTraceHandler();
     ASSERT_TRUE(trace->startRemoteTraceHandler(&clock));
@@ -146,7 +288,7 @@ TEST_F(ServerConnection, RemoteTraceOnlyWhenEnabled) {
         EXPECT_TRUE(mTraces.empty()) << "\"enabled\" in lower case is not \"Enabled\"";
     }
     mStore.setValue("remote-debug-3", "Enabled");
-    configuration()->getXMLApplicationData("3");
+    connection();
     trace->remoteTrace(url("/trace"), "abc");
     trace->remoteTrace(url("/nowhere"), "lost"); // a failed upload is not reported further
     std::lock_guard<std::mutex> lock(mMutex);

@@ -3,7 +3,10 @@
 
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
+#include <map>
 #include <mutex>
+#include <set>
 #include <thread>
 
 #include "AGPCommonBase.h"
@@ -26,11 +29,16 @@ AGPMessage makeMessage(AGPMessage::MessageType type, std::uint32_t id = 0) {
     return message;
 }
 
-// Takes messages in queue order and records them instead of processing them.
+// Takes messages in queue order and records them instead of processing them. While held, its
+// thread takes nothing.
 class RecordingQueue : public AGPMessageQueue {
 public:
-    RecordingQueue() : AGPMessageQueue(0) {}
+    explicit RecordingQueue(AGPQueueNumber id = 0, bool held = false) : AGPMessageQueue(id), mHeld(held) {}
     bool getMsgFromQ(AGPMessage& msg) override {
+        {
+            std::unique_lock<std::mutex> lock(mMutex);
+            mGate.wait(lock, [this] { return !mHeld; });
+        }
         if (!AGPMessageQueue::getMsgFromQ(msg)) {
             return false;
         }
@@ -43,9 +51,25 @@ public:
         return mTaken;
     }
 
+    void hold(bool held) {
+        {
+            std::lock_guard<std::mutex> lock(mMutex);
+            mHeld = held;
+        }
+        mGate.notify_all();
+    }
+
 private:
     std::mutex mMutex;
+    std::condition_variable mGate;
+    bool mHeld;
     std::vector<AGPMessage> mTaken;
+};
+
+class RecordingQueueHandler : public AGPMessageQueueHandler {
+public:
+    AGPMessageQueue* createMessageQueue(messageQueueId id) override { return new RecordingQueue(id, true); }
+    RecordingQueue& queue(messageQueueId id) { return *static_cast<RecordingQueue*>(getMessageQueue(id)); }
 };
 
 // An element that counts the commands that reach it.
@@ -205,5 +229,83 @@ TEST(AGPMessageQueueHandler, StartRequiresTheServicesItFeeds) {
     EXPECT_FALSE(handler.startAGPMessageQueueHandler(1));
     EXPECT_TRUE(log.contains("AGPMessageQueueHandler", 2,
                              "AGPMessageQueueHandler startup failed: can't find AGPXMLParser"));
+    AGPPhoneletManager::shutdownPhonelet();
+}
+
+TEST(AGPMessageQueueHandler, ManyProducersLoseNothingWithinTheLimits) {
+    // Made before the producers start, as the phonelet's start-up does: the registry's services are
+    // created on first use without a lock.
+    AGPPhoneletManager::getAGPObjectMap();
+    AGPPhoneletManager::getAGPServerConnection();
+    AGPPhoneletManager::getAGPXMLParser();
+    AGPPhoneletManager::getAGPGUIHandler();
+    {
+        RecordingQueueHandler handler;
+        ASSERT_TRUE(handler.startAGPMessageQueueHandler(1));
+        RecordingQueue& queue = handler.queue(0);
+
+        // Eight producers at once; what they were told was queued, by content, with its stamped id.
+        std::mutex acceptedLock;
+        std::map<std::string, std::uint32_t> accepted;
+        std::map<int, int> acceptedKinds;
+        auto produce = [&](const std::string& round, int count) {
+            std::vector<std::thread> producers;
+            for (int producer = 0; producer < 8; ++producer) {
+                producers.emplace_back([&, producer] {
+                    for (int i = 0; i < count; ++i) {
+                        const AGPMessage::MessageType type = i % 8 == 0
+                                                                 ? AGPMessage::UrlRequest_XML_push_queue
+                                                             : i % 2 == 0 ? AGPMessage::UrlRequest_Image
+                                                                          : AGPMessage::Command_OK;
+                        AGPMessage message(type, round + std::to_string(producer) + "/" + std::to_string(i));
+                        if (handler.addToMessageQueue(message)) {
+                            std::lock_guard<std::mutex> lock(acceptedLock);
+                            EXPECT_TRUE(accepted.emplace(message.content, message.id).second);
+                            ++acceptedKinds[type];
+                        }
+                    }
+                });
+            }
+            for (std::thread& producer : producers) {
+                producer.join(); // a full queue that blocked its producer would hang here
+            }
+        };
+
+        // With the queue's thread held from the start, the queue fills to exactly its three limits, refusing
+        // the rest.
+        produce("full ", 200);
+        EXPECT_EQ(acceptedKinds[AGPMessage::UrlRequest_XML_push_queue], 20);
+        EXPECT_EQ(acceptedKinds[AGPMessage::UrlRequest_Image], 500);
+        EXPECT_EQ(acceptedKinds[AGPMessage::Command_OK], 100);
+        EXPECT_EQ(queue.pendingMessages(), 620u);
+        queue.hold(false);
+
+        // And while the thread takes them, nothing accepted is lost or taken twice.
+        produce("running ", 400);
+        ASSERT_TRUE(waitFor([&] { return queue.taken().size() >= accepted.size(); }));
+        const std::vector<AGPMessage> taken = queue.taken();
+        EXPECT_EQ(taken.size(), accepted.size());
+        std::set<std::uint32_t> ids;
+        for (const AGPMessage& message : taken) {
+            EXPECT_TRUE(ids.insert(message.id).second) << "id " << message.id << " taken twice";
+            auto found = accepted.find(message.content);
+            ASSERT_NE(found, accepted.end()) << message.content << " was refused, yet taken";
+            EXPECT_EQ(found->second, message.id);
+            accepted.erase(found);
+        }
+        EXPECT_TRUE(accepted.empty()) << accepted.size() << " accepted messages were lost";
+
+        // The counters came back to zero: exactly a full set of pushes is admitted again. (The thread
+        // takes one last message and then waits at the gate, so that it takes none of the pushes.)
+        queue.hold(true);
+        AGPMessage last(AGPMessage::Command_OK, "last");
+        ASSERT_TRUE(handler.addToMessageQueue(last));
+        ASSERT_TRUE(waitFor([&] { return queue.taken().size() == taken.size() + 1; }));
+        for (int i = 0; i < 21; ++i) {
+            AGPMessage push(AGPMessage::UrlRequest_XML_push_force, "");
+            EXPECT_EQ(handler.addToMessageQueue(push), i < 20) << i;
+        }
+        queue.hold(false);
+    }
     AGPPhoneletManager::shutdownPhonelet();
 }
