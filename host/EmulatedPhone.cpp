@@ -43,6 +43,7 @@ bool EmulatedPhone::loadPhonelet(const std::string& pluginPath, std::string& err
         }
         mPhoneletManager.registerPhonelet(*mPhonelet, mContext.getApplicationName());
         mPhonelet->init(mContext);
+        mRunning = true;
         ok = true;
     });
     return ok;
@@ -70,6 +71,7 @@ void EmulatedPhone::stopOnLoop() {
     }
     Phonelet* phonelet = mPhonelet;
     mPhonelet = nullptr;
+    mRunning = false;
     phonelet->hide();
     mHttp.abortAll();
     phonelet->stopPhonelet();
@@ -107,7 +109,7 @@ bool EmulatedPhone::lifeCycle(const std::string& action) {
 }
 
 bool EmulatedPhone::isRunning() const {
-    return mPhonelet != nullptr;
+    return mRunning;
 }
 
 void EmulatedPhone::bringToFront(Phonelet& phonelet, bool) {

@@ -1,6 +1,7 @@
 // The emulated phone: the platform's event thread, display and services around one phonelet.
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <string>
 
@@ -85,5 +86,6 @@ private:
     PhoneletManager mPhoneletManager;
     Context mContext;
     PluginLoader mPlugin;
-    Phonelet* mPhonelet = nullptr;
+    Phonelet* mPhonelet = nullptr; // used on the event thread only
+    std::atomic<bool> mRunning{false};
 };
