@@ -16,7 +16,7 @@ test: build
 	ctest --preset default
 
 demo:
-	@echo "The demo arrives with the phone emulator agp-phone; for now run 'make test'."
+	@echo "The demo application arrives with the screens; meanwhile, after make test: build/default/bin/agp-phone --url URL --render text"
 
 bench: deps
 	cmake --preset release

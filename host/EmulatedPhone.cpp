@@ -86,6 +86,26 @@ int EmulatedPhone::push(const std::string& pushData, const std::string& appName,
     return result;
 }
 
+bool EmulatedPhone::lifeCycle(const std::string& action) {
+    bool done = false;
+    mLoop.runAndWait([&] {
+        if (mPhonelet == nullptr) {
+            return;
+        }
+        done = true;
+        if (action == "show") {
+            mPhonelet->show();
+        } else if (action == "hide") {
+            mPhonelet->hide();
+        } else if (action == "tab") {
+            mPhonelet->tab();
+        } else {
+            done = false;
+        }
+    });
+    return done;
+}
+
 bool EmulatedPhone::isRunning() const {
     return mPhonelet != nullptr;
 }

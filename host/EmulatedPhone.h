@@ -45,6 +45,8 @@ public:
     void stop();
     // The host's push entry; 0 refused, 1 accepted, -1 without a phonelet.
     int push(const std::string& pushData, const std::string& appName, int pushType);
+    // The host's show, hide or tab of the application; false for another word or no phonelet.
+    bool lifeCycle(const std::string& action);
     bool isRunning() const;
 
     // Takes a service away from the context, as on a phone where it is missing.

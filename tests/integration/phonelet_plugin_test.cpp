@@ -8,78 +8,21 @@
 #include <nlohmann/json.hpp>
 #include <thread>
 
+#include "ApplicationServer.h"
 #include "EmulatedPhone.h"
 #include "logging/LogCapture.h"
 
 namespace {
 
-// A loopback application server that records every request it receives.
-class ApplicationServer {
-public:
-    ApplicationServer() {
-        mServer.Get(".*", [this](const httplib::Request& request, httplib::Response& response) {
-            record(request);
-            if (request.path == "/slow") {
-                // Answers only when the test ends, like a server that hangs.
-                std::unique_lock<std::mutex> lock(mMutex);
-                mReleased.wait(lock, [this] { return mReleaseSlow; });
-            }
-            response.set_content(mDocument, "text/xml");
-        });
-        mPort = mServer.bind_to_any_port("127.0.0.1");
-        mThread = std::thread([this] { mServer.listen_after_bind(); });
-        while (!mServer.is_running()) {
-            std::this_thread::yield();
-        }
-    }
-    ~ApplicationServer() {
-        {
-            std::lock_guard<std::mutex> lock(mMutex);
-            mReleaseSlow = true;
-        }
-        mReleased.notify_all();
-        mServer.stop();
-        mThread.join();
-    }
-
-    int port() const { return mPort; }
-    // Set before the first request: the handler reads it unlocked.
-    void setDocument(const std::string& document) { mDocument = document; }
-    // Path and query of every request, in arrival order.
-    std::vector<std::string> requests() {
-        std::lock_guard<std::mutex> lock(mMutex);
-        return mRequests;
-    }
-    bool waitForRequests(size_t count) {
-        for (int i = 0; i < 500 && requests().size() < count; ++i) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-        return requests().size() >= count;
-    }
-
-private:
-    void record(const httplib::Request& request) {
-        std::string query;
-        for (const auto& parameter : request.params) {
-            query += (query.empty() ? "?" : "&") + parameter.first + "=" + parameter.second;
-        }
-        std::lock_guard<std::mutex> lock(mMutex);
-        mRequests.push_back(request.path + query);
-    }
-
-    httplib::Server mServer;
-    int mPort = 0;
-    std::thread mThread;
-    std::mutex mMutex;
-    std::vector<std::string> mRequests;
-    std::condition_variable mReleased;
-    bool mReleaseSlow = false;
-    std::string mDocument = "<Text>not a screen</Text>";
-};
+// The download file is named after the application, so tests that run at the same time use
+// names of their own.
+std::string uniqueApplicationName() {
+    return std::string("Weather-") + ::testing::UnitTest::GetInstance()->current_test_info()->name();
+}
 
 PhoneOptions weatherPhone() {
     PhoneOptions options;
-    options.applicationName = "Weather";
+    options.applicationName = uniqueApplicationName();
     return options;
 }
 
@@ -87,7 +30,7 @@ class PhoneletPlugin : public ::testing::Test {
 protected:
     void configure(std::vector<std::pair<std::string, std::string>> extra = {}) {
         std::vector<std::pair<std::string, std::string>> values = {
-            {"app-name-1", "Weather"},
+            {"app-name-1", uniqueApplicationName()},
             {"server-addr-1", "127.0.0.1"},
             {"server-port-1", std::to_string(mServer.port())},
             {"transport-1", "http"},
@@ -166,7 +109,7 @@ TEST_F(PhoneletPlugin, PushesAreCheckedAndQueued) {
     mServer.setDocument("");
     configure();
     load();
-    EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1&ProgramName=early", "Weather", 1), 1)
+    EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1&ProgramName=early", uniqueApplicationName(), 1), 1)
         << "kept until start-up";
     mPhone.start();
     ASSERT_TRUE(mServer.waitForRequests(1));
@@ -175,19 +118,19 @@ TEST_F(PhoneletPlugin, PushesAreCheckedAndQueued) {
 
     EXPECT_EQ(
         mPhone.push("ServerAddr=127.0.0.1&ProgramName=later&ServerContextKey=k&ServerContextValue=v%2Fw",
-                    "Weather", 4),
+                    uniqueApplicationName(), 4),
         1);
     ASSERT_TRUE(mServer.waitForRequests(2));
     EXPECT_EQ(mServer.requests()[1], "/later?k=v/w");
 
-    EXPECT_EQ(mPhone.push("ServerAddr=192.0.2.99&ProgramName=other", "Weather", 1), 1);
+    EXPECT_EQ(mPhone.push("ServerAddr=192.0.2.99&ProgramName=other", uniqueApplicationName(), 1), 1);
     EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1&ProgramName=unknown-app", "Nobody", 1), 1);
-    EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1&ProgramName=bad-type", "Weather", 9), 1);
+    EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1&ProgramName=bad-type", uniqueApplicationName(), 9), 1);
     EXPECT_TRUE(log.contains("AGPPhonelet", 5, "pushInternal: server address doesn't match"));
     mPhone.stop();
     EXPECT_EQ(mServer.requests().size(), 2u)
         << "wrong server, unknown application and unknown type send nothing";
-    EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1", "Weather", 1), -1);
+    EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1", uniqueApplicationName(), 1), -1);
 }
 
 TEST_F(PhoneletPlugin, MissingServicesAndConfigurationFailStartUp) {
@@ -215,7 +158,8 @@ TEST(PhoneletPluginServices, EachMissingServiceFailsStartUpWithItsText) {
     for (const auto& service : services) {
         LogCapture log(2);
         EmulatedPhone phone(weatherPhone());
-        phone.configuration().setValues({{"app-name-1", "Weather"}, {"program-name-1", "start"}});
+        phone.configuration().setValues(
+            {{"app-name-1", uniqueApplicationName()}, {"program-name-1", "start"}});
         phone.removeService(service.first);
         std::string error;
         ASSERT_TRUE(phone.loadPhonelet(AGP_PLUGIN_PATH, error)) << error;
@@ -239,7 +183,7 @@ TEST_F(PhoneletPlugin, OddTabCountsAndProgramNamesRequestNothing) {
     for (const char* numTabs : {"5", "x", ""}) {
         LogCapture log(5);
         EmulatedPhone phone(weatherPhone());
-        phone.configuration().setValues({{"app-name-1", "Weather"},
+        phone.configuration().setValues({{"app-name-1", uniqueApplicationName()},
                                          {"server-addr-1", "127.0.0.1"},
                                          {"server-port-1", std::to_string(mServer.port())},
                                          {"transport-1", "http"},
@@ -279,7 +223,8 @@ TEST_F(PhoneletPlugin, UnknownApplicationNameStopsBeforeTheStartUpScreen) {
     configure({{"app-name-1", "weather"}});
     load();
     mPhone.start();
-    EXPECT_TRUE(log.contains("AGPDataObserver", 5, "Couldn't find index of XML Application [Weather]"));
+    EXPECT_TRUE(log.contains("AGPDataObserver", 5,
+                             "Couldn't find index of XML Application [" + uniqueApplicationName() + "]"));
     EXPECT_TRUE(log.contains("AGPPhonelet", 2, "Failed to update XML application configuration"));
     EXPECT_EQ(screenText().find("Starting application..."), std::string::npos);
 }
@@ -302,5 +247,6 @@ TEST_F(PhoneletPlugin, NetworkFailureShowsTheErrorDocument) {
         "AGPPhonelet", 5,
         "displayErrorRequest: xml.app.error.network, Network connection error\nRequested URI: "
         "http://127.0.0.1:1/app/start?ipaddress=192.0.2.55&phonenumber=3100&devicetype=Veltria"));
-    EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1", "Weather", 1), 0) << "pushes are refused after an error";
+    EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1", uniqueApplicationName(), 1), 0)
+        << "pushes are refused after an error";
 }

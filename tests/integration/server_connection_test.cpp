@@ -39,8 +39,8 @@ protected:
             std::this_thread::yield();
         }
 
-        mStore.setValues({{"app-name-7", "Weather"},
-                          {"app-name-3", "Weather"},
+        mStore.setValues({{"app-name-7", mAppName},
+                          {"app-name-3", mAppName},
                           {"app-name-2", "News"},
                           {"server-addr-3", "127.0.0.1"},
                           {"server-port-3", std::to_string(mPort)},
@@ -61,6 +61,9 @@ protected:
     AGPDataObserver* configuration() { return AGPPhoneletManager::getAGPDataObserver(); }
     std::string url(const std::string& path) { return "http://127.0.0.1:" + std::to_string(mPort) + path; }
 
+    // The download file is named after the application: tests running at the same time differ.
+    const std::string mAppName =
+        std::string("Weather-") + ::testing::UnitTest::GetInstance()->current_test_info()->name();
     EventLoop mLoop;
     ConfigurationStore mStore{mLoop};
     CurlHttpService mHttp;
@@ -75,9 +78,12 @@ protected:
 
 TEST_F(ServerConnection, FindsTheApplicationAndDerivesItsSettings) {
     LogCapture log(5);
-    EXPECT_FALSE(configuration()->updateXMLApplicationConfiguration("weather")) << "names are case-sensitive";
-    EXPECT_TRUE(log.contains("AGPDataObserver", 5, "Couldn't find index of XML Application [weather]"));
-    ASSERT_TRUE(configuration()->updateXMLApplicationConfiguration("Weather"));
+    std::string lowerCase = mAppName;
+    lowerCase[0] = 'w';
+    EXPECT_FALSE(configuration()->updateXMLApplicationConfiguration(lowerCase)) << "names are case-sensitive";
+    EXPECT_TRUE(
+        log.contains("AGPDataObserver", 5, "Couldn't find index of XML Application [" + lowerCase + "]"));
+    ASSERT_TRUE(configuration()->updateXMLApplicationConfiguration(mAppName));
     EXPECT_EQ(configuration()->getIndex(), "3") << "the first entry in answer order wins";
     EXPECT_EQ(configuration()->getServerAddress(), "127.0.0.1");
     EXPECT_EQ(configuration()->getDeviceType(), "brs55");
@@ -95,10 +101,10 @@ TEST_F(ServerConnection, FindsTheApplicationAndDerivesItsSettings) {
 }
 
 TEST_F(ServerConnection, FetchesDocumentsAndExplainsFailures) {
-    ASSERT_TRUE(configuration()->updateXMLApplicationConfiguration("Weather"));
+    ASSERT_TRUE(configuration()->updateXMLApplicationConfiguration(mAppName));
     AGPServerConnection* connection = AGPPhoneletManager::getAGPServerConnection();
     ASSERT_TRUE(connection->startAGPServerConnection(&mHttp));
-    EXPECT_EQ(connection->getDownloadFile(), "/tmp/AGPApp-Weather");
+    EXPECT_EQ(connection->getDownloadFile(), "/tmp/AGPApp-" + mAppName);
 
     char* data = nullptr;
     unsigned int size = 0;
@@ -129,7 +135,7 @@ TEST_F(ServerConnection, FetchesDocumentsAndExplainsFailures) {
 
 TEST_F(ServerConnection, RemoteTraceOnlyWhenEnabled) {
     mStore.setValues({{"remote-debug-3", "enabled"}, {"debug-prog-name-3", "trace"}});
-    ASSERT_TRUE(configuration()->updateXMLApplicationConfiguration("Weather"));
+    ASSERT_TRUE(configuration()->updateXMLApplicationConfiguration(mAppName));
     AGPPhoneletManager::getAGPServerConnection()->startAGPServerConnection(&mHttp);
     ClockService clock;
     AGPRemoteTraceHandler* trace = AGPPhoneletManager::getAGPRemoteTraceHandler();

@@ -1,0 +1,37 @@
+// What the emulated phone is set up with: configuration database values and phone settings.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "EmulatedPhone.h"
+
+// A configuration file holds the configuration database's own keys ("app-name-1",
+// "server-addr-1", "ipaddress", ...) and the emulator's phone settings, which start with
+// "phone.":
+//   phone.model        soft-keys | no-soft-keys        phone.soft-keys  1..6
+//   phone.locale       en, de, ...                     phone.ca-file    extra trusted CA (PEM)
+//   phone.date-format  MM/DD/YYYY | YYYY-MM-DD | DD.MM.YYYY
+//   phone.time-format  12HR | 24HR                     phone.application  name of the app to start
+class PhoneConfiguration {
+public:
+    PhoneConfiguration();
+
+    // Adds the file's settings. False with every problem as "<file>:<line>: <what>".
+    bool loadFile(const std::string& path, std::vector<std::string>& problems);
+    // Fills application entry 1 from an application URL (http or https). False with the reason.
+    bool useApplicationUrl(const std::string& url, const std::string& appName, std::string& problem);
+    // The application to start: `requested` when given, else phone.application, else entry 1's name.
+    std::string applicationToStart(const std::string& requested) const;
+
+    const std::map<std::string, std::string>& databaseValues() const { return mDatabase; }
+    const PhoneOptions& phoneOptions() const { return mOptions; }
+
+private:
+    bool applyPhoneSetting(const std::string& key, const std::string& value, std::string& problem);
+
+    std::map<std::string, std::string> mDatabase;
+    PhoneOptions mOptions;
+    std::string mApplication;
+};

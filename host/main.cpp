@@ -1,0 +1,237 @@
+// agp-phone: the emulated desk phone that runs the XML application browser plug-in.
+#include <limits.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <iostream>
+#include <mutex>
+#include <nlohmann/json.hpp>
+
+#include "ControlApi.h"
+#include "EmulatedPhone.h"
+#include "PhoneConfiguration.h"
+#include "PhoneJournal.h"
+#include "PushEndpoint.h"
+#include "ScenarioScript.h"
+#include "TextRenderer.h"
+#include "logging/LogSink.h"
+
+namespace {
+
+struct Arguments {
+    std::string url;
+    std::string configFile;
+    std::string application;
+    std::string plugin;
+    std::string push = "127.0.0.1:8085";
+    std::string http = "127.0.0.1:8080";
+    std::string render = "none";
+    std::string model;
+    std::string script;
+    bool headless = false;
+};
+
+// Collects the errors the phonelet logs while it starts, to tell why a start failed.
+class StartupErrors : public LogSink {
+public:
+    int maximumLevel() const override { return 2; }
+    void receive(const LogEntry& entry) override {
+        std::lock_guard<std::mutex> lock(mMutex);
+        if (mFirst.empty()) {
+            mFirst = entry.text;
+        }
+    }
+    std::string first() {
+        std::lock_guard<std::mutex> lock(mMutex);
+        return mFirst;
+    }
+
+private:
+    std::mutex mMutex;
+    std::string mFirst;
+};
+
+std::string executableDirectory() {
+    char path[PATH_MAX] = {0};
+    const ssize_t length = readlink("/proc/self/exe", path, sizeof path - 1);
+    std::string text = length > 0 ? std::string(path, static_cast<size_t>(length)) : ".";
+    return text.substr(0, text.rfind('/'));
+}
+
+// Next to the program in a build tree, in ../lib/agp once installed.
+std::string defaultPluginPath() {
+    const std::string directory = executableDirectory();
+    const std::string beside = directory + "/libagpphonelet.so";
+    return access(beside.c_str(), F_OK) == 0 ? beside : directory + "/../lib/agp/libagpphonelet.so";
+}
+
+bool splitAddress(const std::string& address, std::string& host, int& port) {
+    const size_t colon = address.rfind(':');
+    if (colon == std::string::npos || colon == 0) {
+        return false;
+    }
+    host = address.substr(0, colon);
+    const std::string portText = address.substr(colon + 1);
+    if (portText.empty() || portText.size() > 5 ||
+        portText.find_first_not_of("0123456789") != std::string::npos) {
+        return false;
+    }
+    port = std::stoi(portText);
+    return port <= 65535;
+}
+
+int fail(int status, const std::string& message) {
+    std::cerr << "agp-phone: " << message << "\n";
+    return status;
+}
+
+// Waits for SIGINT or SIGTERM, the control API's quit, or the phonelet to stop by itself (exit).
+void runUntilStopped(EmulatedPhone& phone, const ControlApi& control, const sigset_t& signals) {
+    const timespec interval{0, 200 * 1000 * 1000};
+    while (phone.isRunning() && !control.quitRequested()) {
+        if (sigtimedwait(&signals, nullptr, &interval) > 0) {
+            return;
+        }
+    }
+}
+
+void printScreenOnChange(EmulatedPhone& phone) {
+    auto last = std::make_shared<std::string>();
+    phone.display().setChangeListener([&phone, last] {
+        const std::string text = TextRenderer::render(phone.display().snapshot());
+        if (text != *last) {
+            *last = text;
+            std::cout << "----\n" << text << std::flush;
+        }
+    });
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    Arguments arguments;
+    CLI::App app{"agp-phone: an emulated desk phone running the XML application browser"};
+    app.add_option("--url", arguments.url, "Start URL of the XML application (fills application entry 1)");
+    app.add_option("--config", arguments.configFile, "Configuration file with key=value lines");
+    app.add_option("--app", arguments.application, "Name of the application to start (default: entry 1)");
+    app.add_option("--plugin", arguments.plugin, "Path of libagpphonelet.so (default: beside the program)");
+    app.add_option("--push", arguments.push, "Push listener HOST:PORT, or off")->capture_default_str();
+    app.add_option("--http", arguments.http, "Control API (and web page) HOST:PORT, or off")
+        ->capture_default_str();
+    app.add_option("--render", arguments.render, "Print every new screen: text or none")
+        ->check(CLI::IsMember({"text", "none"}))
+        ->capture_default_str();
+    app.add_option("--model", arguments.model, "Phone model: soft-keys or no-soft-keys")
+        ->check(CLI::IsMember({"soft-keys", "no-soft-keys"}));
+    app.add_flag("--headless", arguments.headless, "Run without the web page");
+    app.add_option("--script", arguments.script,
+                   "Run a scenario script, then end (0: every expectation held)");
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        // Help and version end well; every mistake in the arguments ends with status 2.
+        return app.exit(error) == 0 ? 0 : 2;
+    }
+
+    PhoneConfiguration configuration;
+    std::vector<std::string> problems;
+    if (!arguments.configFile.empty() && !configuration.loadFile(arguments.configFile, problems)) {
+        for (const std::string& problem : problems) {
+            std::cerr << "agp-phone: " << problem << "\n";
+        }
+        return 2;
+    }
+    std::string problem;
+    if (!arguments.url.empty() &&
+        !configuration.useApplicationUrl(arguments.url, arguments.application, problem)) {
+        return fail(2, "--url: " + problem);
+    }
+    const std::string application = configuration.applicationToStart(arguments.application);
+    if (application.empty()) {
+        return fail(2, "no application to start: give --url URL, or --config FILE with app-name-1");
+    }
+    ScenarioScript script;
+    if (!arguments.script.empty() && !script.load(arguments.script, problems)) {
+        for (const std::string& scriptProblem : problems) {
+            std::cerr << "agp-phone: " << scriptProblem << "\n";
+        }
+        return 2;
+    }
+    std::string pushHost;
+    int pushPort = 0;
+    if (arguments.push != "off" && !splitAddress(arguments.push, pushHost, pushPort)) {
+        return fail(2, "--push: expected HOST:PORT or off, got '" + arguments.push + "'");
+    }
+    std::string httpHost;
+    int httpPort = 0;
+    if (arguments.http != "off" && !splitAddress(arguments.http, httpHost, httpPort)) {
+        return fail(2, "--http: expected HOST:PORT or off, got '" + arguments.http + "'");
+    }
+
+    // Signals are taken by the main thread alone; every thread started later inherits the mask.
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+
+    PhoneOptions options = configuration.phoneOptions();
+    options.applicationName = application;
+    if (!arguments.model.empty()) {
+        options.model.softKeyBar = arguments.model == "soft-keys";
+    }
+    PhoneJournal journal;
+    EmulatedPhone phone(options);
+    phone.http().setTrafficObserver(
+        std::shared_ptr<HttpTrafficObserver>(&journal, [](HttpTrafficObserver*) {}));
+    for (const auto& value : configuration.databaseValues()) {
+        phone.configuration().setValue(value.first, value.second);
+    }
+    if (!phone.loadPhonelet(arguments.plugin.empty() ? defaultPluginPath() : arguments.plugin, problem)) {
+        return fail(1, problem);
+    }
+    PushEndpoint pushEndpoint(phone, application);
+    if (arguments.push != "off" && !pushEndpoint.start(pushHost, pushPort, problem)) {
+        phone.stop();
+        return fail(1, problem);
+    }
+    ControlApi control(phone, journal, application);
+    if (arguments.http != "off" && !control.start(httpHost, httpPort, problem)) {
+        phone.stop();
+        return fail(1, "--http: " + problem);
+    }
+    if (arguments.render == "text") {
+        printScreenOnChange(phone);
+    }
+    StartupErrors startupErrors;
+    addLogSink(&startupErrors);
+    phone.start();
+    removeLogSink(&startupErrors);
+    if (!startupErrors.first().empty()) {
+        phone.stop();
+        return fail(1, "the application " + application + " did not start: " + startupErrors.first());
+    }
+    if (arguments.push != "off") {
+        std::cout << "agp-phone: pushes to http://" << pushHost << ":" << pushEndpoint.port() << "/push\n";
+    }
+    if (arguments.http != "off") {
+        std::cout << "agp-phone: control API at http://" << httpHost << ":" << control.port() << "/api/\n";
+    }
+    std::cout << std::flush;
+    int status = 0;
+    if (!arguments.script.empty()) {
+        std::string report;
+        if (!script.run(phone, journal, report)) {
+            std::cerr << "agp-phone: " << report;
+            status = 1;
+        }
+    } else {
+        runUntilStopped(phone, control, signals);
+    }
+    control.stop();
+    pushEndpoint.stop();
+    phone.stop();
+    return status;
+}
