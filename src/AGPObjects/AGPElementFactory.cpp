@@ -14,6 +14,7 @@
 #include "AGPIppDisplay.h"
 #include "AGPIppHidden.h"
 #include "AGPIppScreen.h"
+#include "AGPIppTextBox.h"
 #include "AGPKey.h"
 #include "AGPLabel.h"
 #include "AGPMaximum.h"
@@ -53,6 +54,7 @@ const std::unordered_map<std::string_view, Creator>& elementTable() {
         {"IppAction", create<AGPIppAction>},
         {"IppCommand", create<AGPIppCommand>},
         {"IppHidden", create<AGPIppHidden>},
+        {"IppTextBox", create<AGPIppTextBox>},
         {"Encapsulation_s", create<Encapsulation_s>},
         {"Number", create<Encapsulation_s>},
         {"Encapsulation_ui", create<Encapsulation_ui>},
