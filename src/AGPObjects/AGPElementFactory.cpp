@@ -10,6 +10,7 @@
 #include "AGPFColor.h"
 #include "AGPInitial.h"
 #include "AGPIppAction.h"
+#include "AGPIppAlert.h"
 #include "AGPIppCommand.h"
 #include "AGPIppDisplay.h"
 #include "AGPIppHidden.h"
@@ -55,6 +56,7 @@ const std::unordered_map<std::string_view, Creator>& elementTable() {
         {"IppCommand", create<AGPIppCommand>},
         {"IppHidden", create<AGPIppHidden>},
         {"IppTextBox", create<AGPIppTextBox>},
+        {"IppAlert", create<AGPIppAlert>},
         {"Encapsulation_s", create<Encapsulation_s>},
         {"Number", create<Encapsulation_s>},
         {"Encapsulation_ui", create<Encapsulation_ui>},

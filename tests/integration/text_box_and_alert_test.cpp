@@ -193,3 +193,50 @@ TEST_F(TextScreens, ErrorDocumentIsShownInFullAndExitEndsTheApplication) {
     pressSoftKey("Exit");
     EXPECT_TRUE(waitUntilStopped());
 }
+
+TEST_F(TextScreens, AlertsAreDismissedOnceByKeyOrByTheirDelay) {
+    const std::string alertScreens =
+        "<IppScreen ID=\"2\"><IppAlert "
+        "Type=\"info\"><Title>Note</Title><Text>Saved</Text></IppAlert></IppScreen>"
+        "<IppScreen ID=\"3\"><IppAlert Delay=\"500\" Type=\"WARNING\"><Text>Soon gone</Text></IppAlert>"
+        "</IppScreen>"
+        "<IppScreen ID=\"4\" CommandCount=\"1\"><IppAlert Delay=\"1000\"><Text>Sending</Text><Url>" +
+        url("/app/alert") +
+        "</Url></IppAlert><IppCommand Type=\"SELECT\" Key=\"k\" Value=\"v\"/></IppScreen>";
+    start("<IppDisplay InitialScreen=\"1\"><IppScreen ID=\"1\" CommandCount=\"3\">"
+          "<IppTextBox Default=\"TEXT\"><Text>Home</Text></IppTextBox>"
+          "<IppCommand Type=\"SCREEN\"><Label>Note</Label><ScreenID>2</ScreenID></IppCommand>"
+          "<IppCommand Type=\"SCREEN\"><Label>Later</Label><ScreenID>3</ScreenID></IppCommand>"
+          "<IppCommand Type=\"SCREEN\"><Label>Auto</Label><ScreenID>4</ScreenID></IppCommand>"
+          "</IppScreen>" +
+          alertScreens + "</IppDisplay>");
+    ASSERT_TRUE(waitForScreenText("Home"));
+
+    for (Key key : {Key::Ok, Key::Back}) {
+        pressSoftKey("Note");
+        ASSERT_TRUE(waitForPopup("alert"));
+        const json popup = snapshot()["popup"];
+        EXPECT_EQ(popup["title"], "Note");
+        EXPECT_EQ(popup["text"], "Saved");
+        EXPECT_EQ(popup["alertType"], 3) << "a type in lower case is no known type";
+        EXPECT_EQ(popup["commands"], json::array({"OK"})) << "the made-up dismiss command";
+        EXPECT_EQ(snapshot()["screen"]["text"], "Home") << "the alert stands over the screen";
+        mPhone.display().pressKey(key);
+        mPhone.display().pressKey(key); // a second dismissal of the same display is dropped
+        ASSERT_TRUE(waitForNoPopup());
+        EXPECT_EQ(snapshot()["screen"]["text"], "Home");
+    }
+
+    pressSoftKey("Later");
+    ASSERT_TRUE(waitForPopup("alert"));
+    EXPECT_EQ(snapshot()["popup"]["alertType"], 5);
+    EXPECT_TRUE(waitForNoPopup()) << "the delay dismisses the alert by itself";
+    EXPECT_EQ(snapshot()["screen"]["text"], "Home");
+
+    pressSoftKey("Auto");
+    ASSERT_TRUE(waitForPopup("alert"));
+    EXPECT_EQ(snapshot()["popup"]["commands"], json::array({"Select"}));
+    ASSERT_TRUE(mServer.waitForRequests(2)) << "the delay fires the alert's only command";
+    EXPECT_EQ(mServer.requests()[1], "/app/alert?k=v");
+    EXPECT_TRUE(mPhone.isRunning());
+}
