@@ -562,9 +562,8 @@ AGPIppScreen* AGPGUIHandler::getCurrentScreen(AGPQueueNumber queue) {
 }
 
 AGPDisplayable* AGPGUIHandler::getCurrentDisplayable() {
-    const AGPQueueNumber queue =
-        mTabScreen != nullptr ? tabIdxToQueueId(mTabScreen->getCurrentTabIndex()) : AGPQueueNumber(0);
-    AGPIppScreen* screen = getCurrentScreen(queue);
+    // Also right while the one remaining tab is shown without the tab screen.
+    AGPIppScreen* screen = getCurrentScreen(getMessageQueueIdForCurrent());
     return screen != nullptr ? screen->getDisplayableElement() : nullptr;
 }
 

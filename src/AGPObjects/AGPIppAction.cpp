@@ -91,11 +91,12 @@ void AGPIppAction::invoke() {
         mDone = true;
         break;
     }
-    case PLAYTONE: {
-        // The tone element is not known to the factory yet, so no action holds one.
-        mDone = true;
+    case PLAYTONE:
+        // The beep is played once the tone element exists; the factory creates none yet.
+        if (getChildByType(AGPObjectTypeInfo::ti_IppTone) != nullptr) {
+            mDone = true;
+        }
         break;
-    }
     case HIDEPOPUP: {
         AGPGUIHandler* gui = AGPPhoneletManager::findAGPGUIHandler();
         if (gui != nullptr && mParent != nullptr &&
