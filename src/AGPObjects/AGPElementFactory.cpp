@@ -10,10 +10,12 @@
 #include "AGPFColor.h"
 #include "AGPInitial.h"
 #include "AGPIppAction.h"
+#include "AGPIppAlert.h"
 #include "AGPIppCommand.h"
 #include "AGPIppDisplay.h"
 #include "AGPIppHidden.h"
 #include "AGPIppScreen.h"
+#include "AGPIppTextBox.h"
 #include "AGPKey.h"
 #include "AGPLabel.h"
 #include "AGPMaximum.h"
@@ -53,6 +55,8 @@ const std::unordered_map<std::string_view, Creator>& elementTable() {
         {"IppAction", create<AGPIppAction>},
         {"IppCommand", create<AGPIppCommand>},
         {"IppHidden", create<AGPIppHidden>},
+        {"IppTextBox", create<AGPIppTextBox>},
+        {"IppAlert", create<AGPIppAlert>},
         {"Encapsulation_s", create<Encapsulation_s>},
         {"Number", create<Encapsulation_s>},
         {"Encapsulation_ui", create<Encapsulation_ui>},

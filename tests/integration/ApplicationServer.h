@@ -1,10 +1,11 @@
-// A loopback application server for the integration tests: serves one document, records requests.
+// A loopback application server for the integration tests: serves documents, records requests.
 #pragma once
 
 #include <httplib.h>
 
 #include <chrono>
 #include <condition_variable>
+#include <map>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -21,7 +22,7 @@ public:
                 std::unique_lock<std::mutex> lock(mMutex);
                 mReleased.wait(lock, [this] { return mReleaseSlow; });
             }
-            response.set_content(mDocument, "text/xml");
+            response.set_content(documentFor(request.path), "text/xml");
         });
         mPort = mServer.bind_to_any_port("127.0.0.1");
         mThread = std::thread([this] { mServer.listen_after_bind(); });
@@ -40,8 +41,16 @@ public:
     }
 
     int port() const { return mPort; }
-    // Set before the first request: the handler reads it unlocked.
-    void setDocument(const std::string& document) { mDocument = document; }
+    // The reply to every path that has no document of its own.
+    void setDocument(const std::string& document) {
+        std::lock_guard<std::mutex> lock(mMutex);
+        mDocument = document;
+    }
+    // The reply to one path (without query), e.g. "/app/start".
+    void setDocument(const std::string& path, const std::string& document) {
+        std::lock_guard<std::mutex> lock(mMutex);
+        mDocuments[path] = document;
+    }
     // Path and query of every request, in arrival order.
     std::vector<std::string> requests() {
         std::lock_guard<std::mutex> lock(mMutex);
@@ -55,6 +64,11 @@ public:
     }
 
 private:
+    std::string documentFor(const std::string& path) {
+        std::lock_guard<std::mutex> lock(mMutex);
+        auto found = mDocuments.find(path);
+        return found != mDocuments.end() ? found->second : mDocument;
+    }
     void record(const httplib::Request& request) {
         std::string query;
         for (const auto& parameter : request.params) {
@@ -71,5 +85,7 @@ private:
     std::vector<std::string> mRequests;
     std::condition_variable mReleased;
     bool mReleaseSlow = false;
-    std::string mDocument = "<Text>not a screen</Text>";
+    // An empty reply installs nothing, so the phonelet stays open to pushes.
+    std::string mDocument;
+    std::map<std::string, std::string> mDocuments;
 };

@@ -1,0 +1,360 @@
+// The full-screen message element: title, text and picture in one widget alert, closing itself or by a
+// command.
+#include "AGPIppAlert.h"
+
+#define AGP_LOG_MODULE "AGPObject"
+#define AGP_LOG_SOURCE "./src/AGPObjects/AGPIppAlert.cpp"
+
+#include <algorithm>
+
+#include "AGPGUIHandler.h"
+#include "AGPLabel.h"
+#include "AGPLog.h"
+#include "AGPMenuCommandListener.h"
+#include "AGPObjectMap.h"
+#include "AGPPhonelet.h"
+#include "AGPPhoneletManager.h"
+#include "AGPUtils.h"
+#include "display/Alert.h"
+#include "display/MenuCommand.h"
+#include "text/TranslationInfo.h"
+
+namespace {
+
+const Translator* phoneletTranslator() {
+    AGPPhonelet* phonelet = AGPPhoneletManager::getAGPPhonelet();
+    return phonelet != nullptr ? phonelet->getTranslator() : nullptr;
+}
+
+// The delay in whole seconds, at least one: a timer never fires at once.
+std::uint32_t delaySeconds(std::int32_t milliseconds) {
+    return std::max<std::uint32_t>(1, static_cast<std::uint32_t>(milliseconds) / 1000);
+}
+
+void setAttribute(AGPCommonBase& element, const char* name, const std::string& value) {
+    std::string attributeName = name;
+    std::string attributeValue = value;
+    element.addAttribute(attributeName, attributeValue);
+}
+
+} // namespace
+
+AGPIppAlert::AGPIppAlert()
+    : mTitleCount(0, 1), mUrlCount(0, 1), mTextCount(0, 1), mImageCount(0, 1), mType(TYPE_OTHER),
+      mDelay(AGPDelay_FOREVER), mLastMessageAgpId(0), mAlert(nullptr), mDismissCommand(nullptr) {
+    registerElement();
+}
+
+AGPIppAlert::~AGPIppAlert() {
+    unregisterElement();
+    deleteDisplayElements();
+    if (mDismissCommand != nullptr) {
+        if (mTimerCommand == mDismissCommand) {
+            mTimerCommand = nullptr;
+        }
+        AGPPhoneletManager::getAGPObjectMap()->removeAGPObjectTree(mDismissCommand->getAGPObjectID());
+        mDismissCommand = nullptr;
+    }
+}
+
+bool AGPIppAlert::addChild(AGPCommonBase& child) {
+    switch (child.getAGPObjectType()) {
+    case AGPObjectTypeInfo::ti_Title:
+        return addAGPTitle(child);
+    case AGPObjectTypeInfo::ti_Url:
+        return addAGPUrl(child);
+    case AGPObjectTypeInfo::ti_Text:
+        return addAGPText(child);
+    case AGPObjectTypeInfo::ti_Image:
+        return addAGPImage(child);
+    default:
+        return false;
+    }
+}
+
+bool AGPIppAlert::addAttribute(std::string& name, std::string& value) {
+    if (name == "Type") {
+        mType = parseAGPType(value);
+        return true;
+    }
+    if (name == "Delay") {
+        mDelay = parseAGPDelay(value);
+        return true;
+    }
+    return false;
+}
+
+bool AGPIppAlert::addContent(std::string&) {
+    return false;
+}
+
+AGPIppAlert::AGPType AGPIppAlert::parseAGPType(const std::string& text) {
+    if (text == "ALARM") {
+        return ALARM;
+    }
+    if (text == "CONFIRMATION") {
+        return CONFIRMATION;
+    }
+    if (text == "INFO") {
+        return INFO;
+    }
+    if (text == "WARNING") {
+        return WARNING;
+    }
+    return TYPE_OTHER;
+}
+
+std::int32_t AGPIppAlert::parseAGPDelay(const std::string& text) {
+    int delay = 0;
+    if (!AGPUtils::stringToInt(text, delay) || delay < 0) {
+        return AGPDelay_FOREVER;
+    }
+    return delay;
+}
+
+int AGPIppAlert::getDisplayAlertType() const {
+    switch (mType) {
+    case ALARM:
+        return DisplayAPI::ALERT_ALARM;
+    case CONFIRMATION:
+        return DisplayAPI::ALERT_CONFIRMATION;
+    case INFO:
+        return DisplayAPI::ALERT_INFO;
+    case WARNING:
+        return DisplayAPI::ALERT_WARNING;
+    default:
+        return DisplayAPI::ALERT_OTHER;
+    }
+}
+
+AGPCommonBase* AGPIppAlert::getAGPImage() {
+    return getChildByType(AGPObjectTypeInfo::ti_Image);
+}
+
+void AGPIppAlert::initializeElement() {
+    createAndInitDisplayElements();
+}
+
+// The picture (an Image child, or the phone number's) is added once those elements exist; the
+// factory creates neither yet, so the alert is made without one.
+void AGPIppAlert::createAndInitDisplayElements() {
+    deleteDisplayElements();
+    AGPCommonBase* title = getChildByType(AGPObjectTypeInfo::ti_Title);
+    AGPCommonBase* text = getChildByType(AGPObjectTypeInfo::ti_Text);
+    mAlert = new DisplayAPI::Alert(title != nullptr ? title->getContent() : std::string(),
+                                   text != nullptr ? text->getContent() : std::string(), nullptr,
+                                   static_cast<DisplayAPI::AlertType>(getDisplayAlertType()));
+    mAlert->setOwnerId(mAGPId);
+    AGPGUIHandler* gui = AGPPhoneletManager::findAGPGUIHandler();
+    if (gui != nullptr && gui->getMenuCommandListener() != nullptr) {
+        mAlert->setCommandListener(gui->getMenuCommandListener());
+    }
+}
+
+void AGPIppAlert::deleteDisplayElements() {
+    if (mAlert != nullptr) {
+        mAlert->clearCommands();
+        delete mAlert;
+        mAlert = nullptr;
+    }
+}
+
+// Only an Image child reports downloads, and the factory creates no Image element yet, so no
+// picture can arrive.
+void AGPIppAlert::imageDownloaded(unsigned long) {}
+
+// A new display may be dismissed again.
+void AGPIppAlert::reDisplayElement() {
+    mLastMessageAgpId = 0;
+}
+
+DisplayAPI::Displayable* AGPIppAlert::getDisplayAPIDisplayable() {
+    return mAlert;
+}
+
+void AGPIppAlert::setCommandElement(AGPIppCommand& command) {
+    if (mAlert == nullptr) {
+        return;
+    }
+    for (AGPIppCommand* listed : mCommands) {
+        if (*listed == command) {
+            return;
+        }
+    }
+    mCommands.push_back(&command);
+}
+
+void AGPIppAlert::processElement() {
+    std::sort(mCommands.begin(), mCommands.end(), AGPIppCommand::compareByPriority);
+    addCommands();
+}
+
+void AGPIppAlert::addCommands() {
+    if (mAlert == nullptr) {
+        return;
+    }
+    std::vector<AGPIppCommand*> visible;
+    for (AGPIppCommand* command : mCommands) {
+        if (command->getAGPDisplayOn() != AGPIppCommand::NONE) {
+            mAlert->addCommand(command->getMenuCommand());
+            visible.push_back(command);
+        }
+        setTimerCommand(command);
+        observeEventCommand(command);
+    }
+    if (visible.size() == 1 && mDelay >= 1) {
+        AGPIppCommand* only = visible.front();
+        const std::uint32_t seconds = delaySeconds(mDelay);
+        if (only->getAGPAuto() == 0 || only->getAGPAuto() > seconds) {
+            setAttribute(*only, "Auto", std::to_string(seconds));
+            setTimerCommand(only);
+        }
+    }
+    if (visible.empty()) {
+        createDismissCommand();
+        if (mDismissCommand != nullptr) {
+            mAlert->addCommand(mDismissCommand->getMenuCommand());
+            // Without a delay it has no Auto and must not drive a timer.
+            if (mDismissCommand->getAGPAuto() != 0) {
+                mTimerCommand = mDismissCommand;
+            }
+        }
+    }
+}
+
+void AGPIppAlert::createDismissCommand() {
+    if (mDismissCommand != nullptr) {
+        return;
+    }
+    mDismissCommand = new AGPIppCommand();
+    mDismissCommand->setQueueID(mQueueID);
+    setAttribute(*mDismissCommand, "Type", "BACK");
+    setAttribute(*mDismissCommand, "DisplayOn", "LISTITEM");
+    setAttribute(*mDismissCommand, "Priority", "0");
+    if (mDelay > 0) {
+        setAttribute(*mDismissCommand, "Auto", std::to_string(delaySeconds(mDelay)));
+    }
+    auto* label = new AGPLabel();
+    std::string text = TranslationInfo("alert.dismiss", phoneletTranslator()).getText();
+    label->addContent(text);
+    label->setQueueID(mQueueID);
+    if (mDismissCommand->addChild(*label)) {
+        label->setParent(mDismissCommand);
+    } else {
+        delete label;
+    }
+    mDismissCommand->initializeElement();
+    mDismissCommand->processElement();
+}
+
+AGPIppCommand* AGPIppAlert::findCommand(DisplayAPI::Command* command) {
+    if (command == nullptr) {
+        return nullptr;
+    }
+    for (AGPIppCommand* candidate : mCommands) {
+        if (candidate->getMenuCommand() == command) {
+            return candidate;
+        }
+    }
+    return nullptr;
+}
+
+void AGPIppAlert::processMessage(AGPMessage& message) {
+    if (mAlert == nullptr) {
+        AGP_LOG(6, "Command called on the AGPIppAlert with deleted DisplayAPI objects - command will be "
+                   "discarded\n");
+        return;
+    }
+    if (isRemoteTrace()) {
+        commandRemoteTrace("Receive message on a IppAlert: message=", message);
+    }
+    if (mDismissCommand != nullptr) {
+        dismiss(message);
+        return;
+    }
+    AGPMessage::MessageType type = message.type;
+    DisplayAPI::Command* widgetCommand = message.command;
+    if (message.type == AGPMessage::Command_Timer) {
+        if (mTimerCommand == nullptr) {
+            AGP_LOG(6,
+                    "AGPIppAlert::processMessage() AGPIppCommand associated to the Timer command not found");
+            return;
+        }
+        type = mTimerCommand->getMessageType();
+        widgetCommand = mTimerCommand->getMenuCommand();
+    }
+    std::multimap<std::string, std::string> keyValues;
+    switch (type) {
+    case AGPMessage::Command_Exit:
+        processAlertCommand(keyValues, widgetCommand);
+        exitURL(keyValues);
+        break;
+    case AGPMessage::Command_Screen:
+        screenAlertCommand(widgetCommand, message.bringToFront);
+        break;
+    case AGPMessage::Command_Action:
+        invokeCommand(widgetCommand);
+        break;
+    case AGPMessage::Command_Select:
+    case AGPMessage::Command_Update:
+        processAlertCommand(keyValues, widgetCommand);
+        reReadFromUrl(keyValues);
+        break;
+    default:
+        dismiss(message);
+        break;
+    }
+}
+
+void AGPIppAlert::processAlertCommand(std::multimap<std::string, std::string>& keyValues,
+                                      DisplayAPI::Command* command) {
+    AGPIppCommand* found = findCommand(command);
+    if (found != nullptr) {
+        found->gatherKeyValues(keyValues);
+    }
+}
+
+void AGPIppAlert::screenAlertCommand(DisplayAPI::Command* command, bool bringToFront) {
+    AGPIppCommand* found = findCommand(command);
+    AGPGUIHandler* gui = AGPPhoneletManager::findAGPGUIHandler();
+    if (found != nullptr && gui != nullptr) {
+        gui->commandShowScreenID(found->getScreenID(), mQueueID, bringToFront);
+    }
+}
+
+void AGPIppAlert::invokeCommand(DisplayAPI::Command* command) {
+    AGPIppCommand* found = findCommand(command);
+    if (found != nullptr) {
+        found->invokeAction();
+    }
+}
+
+// A key pressed just after the timer fired must not take the user back a second time.
+void AGPIppAlert::dismiss(AGPMessage& message) {
+    if (message.agpId == mLastMessageAgpId) {
+        AGP_LOG(6, "Previous ID of Alert is same with actual ID - message will be discarded\n");
+        return;
+    }
+    mLastMessageAgpId = message.agpId;
+    AGPGUIHandler* gui = AGPPhoneletManager::findAGPGUIHandler();
+    if (gui != nullptr) {
+        gui->commandAlertBack(mQueueID, message.bringToFront);
+    }
+}
+
+void AGPIppAlert::processNotifyEvent(AGPIppCommand::AGPEvent event) {
+    if (event != AGPIppCommand::ONFOCUS && event != AGPIppCommand::ONBLUR) {
+        return;
+    }
+    AGPIppCommand* command = findObservedEventCommand(event);
+    if (command == nullptr) {
+        return;
+    }
+    if (command->getAGPType() == AGPIppCommand::ACTION) {
+        command->invokeAction();
+        return;
+    }
+    std::multimap<std::string, std::string> keyValues;
+    command->gatherKeyValues(keyValues);
+    reReadFromUrl(keyValues);
+}
