@@ -20,8 +20,9 @@ demo:
 
 bench: deps
 	cmake --preset release
-	cmake --build --preset release --target agp_bench
+	cmake --build --preset release --target agp_bench agp_screen_bench
 	build/release/bench/agp_bench
+	build/release/bench/agp_screen_bench
 
 fuzz: deps
 	@scripts/install-deps fuzz
