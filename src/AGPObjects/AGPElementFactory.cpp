@@ -13,10 +13,13 @@
 #include "AGPIppCommand.h"
 #include "AGPIppDisplay.h"
 #include "AGPIppHidden.h"
+#include "AGPIppList.h"
 #include "AGPIppScreen.h"
 #include "AGPKey.h"
 #include "AGPLabel.h"
 #include "AGPMaximum.h"
+#include "AGPOption.h"
+#include "AGPOptionText.h"
 #include "AGPSFColor.h"
 #include "AGPSTColor.h"
 #include "AGPScreenID.h"
@@ -53,6 +56,9 @@ const std::unordered_map<std::string_view, Creator>& elementTable() {
         {"IppAction", create<AGPIppAction>},
         {"IppCommand", create<AGPIppCommand>},
         {"IppHidden", create<AGPIppHidden>},
+        {"IppList", create<AGPIppList>},
+        {"Option", create<AGPOption>},
+        {"OptionText", create<AGPOptionText>},
         {"Encapsulation_s", create<Encapsulation_s>},
         {"Number", create<Encapsulation_s>},
         {"Encapsulation_ui", create<Encapsulation_ui>},
