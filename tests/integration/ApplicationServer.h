@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <map>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -21,7 +22,8 @@ public:
                 std::unique_lock<std::mutex> lock(mMutex);
                 mReleased.wait(lock, [this] { return mReleaseSlow; });
             }
-            response.set_content(mDocument, "text/xml");
+            const auto perPath = mDocuments.find(request.path);
+            response.set_content(perPath != mDocuments.end() ? perPath->second : mDocument, "text/xml");
         });
         mPort = mServer.bind_to_any_port("127.0.0.1");
         mThread = std::thread([this] { mServer.listen_after_bind(); });
@@ -42,6 +44,8 @@ public:
     int port() const { return mPort; }
     // Set before the first request: the handler reads it unlocked.
     void setDocument(const std::string& document) { mDocument = document; }
+    // The document served for one path instead of the common one; also set before the first request.
+    void setDocument(const std::string& path, const std::string& document) { mDocuments[path] = document; }
     // Path and query of every request, in arrival order.
     std::vector<std::string> requests() {
         std::lock_guard<std::mutex> lock(mMutex);
@@ -72,4 +76,5 @@ private:
     std::condition_variable mReleased;
     bool mReleaseSlow = false;
     std::string mDocument = "<Text>not a screen</Text>";
+    std::map<std::string, std::string> mDocuments;
 };
