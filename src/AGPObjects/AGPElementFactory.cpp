@@ -14,11 +14,14 @@
 #include "AGPIppCommand.h"
 #include "AGPIppDisplay.h"
 #include "AGPIppHidden.h"
+#include "AGPIppList.h"
 #include "AGPIppScreen.h"
 #include "AGPIppTextBox.h"
 #include "AGPKey.h"
 #include "AGPLabel.h"
 #include "AGPMaximum.h"
+#include "AGPOption.h"
+#include "AGPOptionText.h"
 #include "AGPSFColor.h"
 #include "AGPSTColor.h"
 #include "AGPScreenID.h"
@@ -57,6 +60,9 @@ const std::unordered_map<std::string_view, Creator>& elementTable() {
         {"IppHidden", create<AGPIppHidden>},
         {"IppTextBox", create<AGPIppTextBox>},
         {"IppAlert", create<AGPIppAlert>},
+        {"IppList", create<AGPIppList>},
+        {"Option", create<AGPOption>},
+        {"OptionText", create<AGPOptionText>},
         {"Encapsulation_s", create<Encapsulation_s>},
         {"Number", create<Encapsulation_s>},
         {"Encapsulation_ui", create<Encapsulation_ui>},

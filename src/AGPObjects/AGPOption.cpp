@@ -1,0 +1,219 @@
+// One entry of a list or choice group: its pair, initial selection, texts and widget row.
+#include "AGPOption.h"
+
+#define AGP_LOG_MODULE "AGPObject"
+#define AGP_LOG_SOURCE "./src/AGPObjects/AGPOption.cpp"
+
+#include <vector>
+
+#include "AGPFColor.h"
+#include "AGPIppList.h"
+#include "AGPKey.h"
+#include "AGPObjectPool.h"
+#include "AGPOptionText.h"
+#include "AGPSFColor.h"
+#include "AGPSTColor.h"
+#include "AGPTColor.h"
+#include "AGPUtils.h"
+#include "AGPValue.h"
+#include "display/Image.h"
+#include "display/ListItem.h"
+
+namespace {
+
+const char* const kParseFailed = "PARSE_FAILED";
+
+// Before the pool exists its fallback objects cannot be compared; their text stands in for them.
+template <typename Element> bool textFailed(const Element* element, const Element* failed) {
+    return failed != nullptr ? *element == *failed : element->getValueText() == kParseFailed;
+}
+
+template <typename Color> bool colorFailed(const Color* color, const Color* failed) {
+    if (failed != nullptr) {
+        return *color == *failed;
+    }
+    return color->getColourType() != nullptr && color->getColourType()->getValueText() == kParseFailed;
+}
+
+// Replaces `slot` by the colour parsed from `text`; false when it did not parse.
+template <typename Color>
+bool replaceColor(Color*& slot, std::string& text, Color* (*parse)(std::string&), const Color* failed) {
+    delete slot;
+    slot = parse(text);
+    return !colorFailed(slot, failed);
+}
+
+} // namespace
+
+AGPOption::AGPOption()
+    : mOptionTextCount(1, 3), mImageCount(0, 1), mID(0), mSelected(SELECTED_NOT_GIVEN), mSelectedGiven(false),
+      mKey(new AGPKey("null")), mKeyGiven(false), mValue(new AGPValue("")), mValueGiven(false),
+      mFColor(new AGPFColor()), mTColor(new AGPTColor()), mSFColor(new AGPSFColor()),
+      mSTColor(new AGPSTColor()), mListItem(nullptr), mListItemTaken(false), mImage(nullptr), mGray(false),
+      mParentType(AGPObjectTypeInfo::ti_NoType) {
+    registerElement();
+}
+
+AGPOption::~AGPOption() {
+    unregisterElement();
+    deleteDisplayElements();
+    delete mKey;
+    delete mValue;
+    delete mFColor;
+    delete mTColor;
+    delete mSFColor;
+    delete mSTColor;
+}
+
+bool AGPOption::addChild(AGPCommonBase& child) {
+    switch (child.getAGPObjectType()) {
+    case AGPObjectTypeInfo::ti_OptionText:
+        return addCountedChild(mOptionTextCount, child);
+    case AGPObjectTypeInfo::ti_Image:
+        return addCountedChild(mImageCount, child);
+    default:
+        return false;
+    }
+}
+
+bool AGPOption::addAttribute(std::string& name, std::string& value) {
+    if (name == "Key") {
+        delete mKey;
+        mKey = AGPKey::parseAGPKey(value);
+        mKeyGiven = true;
+        return !textFailed(mKey, AGPObjectPool::getAGPKey_PARSE_FAILED());
+    }
+    if (name == "Value") {
+        delete mValue;
+        mValue = AGPValue::parseAGPValue(value);
+        mValueGiven = true;
+        return !textFailed(mValue, AGPObjectPool::getAGPValue_PARSE_FAILED());
+    }
+    if (name == "Selected") {
+        mSelected = value == "TRUE" ? SELECTED_TRUE : value == "FALSE" ? SELECTED_FALSE : SELECTED_NOT_GIVEN;
+        mSelectedGiven = mSelected != SELECTED_NOT_GIVEN;
+        return mSelectedGiven;
+    }
+    if (name == "ID") {
+        int number = 0;
+        mID = AGPUtils::stringToInt(value, number) && number >= 0 ? static_cast<std::uint32_t>(number) : 0;
+        return true;
+    }
+    if (name == "FColor") {
+        return replaceColor(mFColor, value, &AGPFColor::parseAGPFColor,
+                            AGPObjectPool::getAGPFColor_PARSE_FAILED());
+    }
+    if (name == "TColor") {
+        return replaceColor(mTColor, value, &AGPTColor::parseAGPTColor,
+                            AGPObjectPool::getAGPTColor_PARSE_FAILED());
+    }
+    if (name == "SFColor") {
+        return replaceColor(mSFColor, value, &AGPSFColor::parseAGPSFColor,
+                            AGPObjectPool::getAGPSFColor_PARSE_FAILED());
+    }
+    if (name == "STColor") {
+        return replaceColor(mSTColor, value, &AGPSTColor::parseAGPSTColor,
+                            AGPObjectPool::getAGPSTColor_PARSE_FAILED());
+    }
+    return false;
+}
+
+std::string AGPOption::getContent() {
+    std::vector<AGPCommonBase*> texts;
+    getChildrenByType(AGPObjectTypeInfo::ti_OptionText, texts);
+    std::string joined;
+    for (size_t i = 0; i < texts.size(); ++i) {
+        if (i > 0) {
+            joined += "|";
+        }
+        joined += texts[i]->getContent();
+    }
+    return joined;
+}
+
+std::string AGPOption::getOptionText() {
+    AGPCommonBase* text = getChildByType(AGPObjectTypeInfo::ti_OptionText);
+    return text != nullptr ? text->getContent() : std::string("no text");
+}
+
+bool AGPOption::isValid() {
+    return mSelectedGiven && mKeyGiven && mValueGiven && isCountValidAGPOptionText() && isCountValidImage();
+}
+
+void AGPOption::initializeElement() {
+    createDisplayElements();
+}
+
+void AGPOption::reDisplayElement() {
+    createDisplayElements();
+}
+
+void AGPOption::hideElement() {
+    deleteDisplayElements();
+}
+
+void AGPOption::createDisplayElements() {
+    deleteDisplayElements();
+    mParentType = mParent != nullptr ? mParent->getAGPObjectType() : AGPObjectTypeInfo::ti_NoType;
+    if (mParentType != AGPObjectTypeInfo::ti_IppList) {
+        // A choice group takes its picture from the phone number of an option text; that element
+        // does not exist yet, so there is nothing to make here.
+        return;
+    }
+    mListItem = new DisplayAPI::ListItem();
+    mListItem->setOwnerId(mAGPId);
+    mListItemTaken = false;
+    // A pending picture of the Image child reserves its space here once that element exists.
+
+    const bool threeColumns = static_cast<AGPIppList*>(mParent)->getAGPColumns() == AGPIppList::COLUMNS_3;
+    const size_t wanted = threeColumns ? 3 : 1;
+    std::vector<AGPCommonBase*> texts;
+    getChildrenByType(AGPObjectTypeInfo::ti_OptionText, texts);
+    const size_t used = std::min(wanted, texts.size());
+    std::string text;
+    mGray = false;
+    for (size_t i = 0; i < used; ++i) {
+        auto* optionText = static_cast<AGPOptionText*>(texts[i]);
+        if (i > 0) {
+            text += "|";
+        }
+        text += optionText->getContent();
+        if (optionText->getAGPState() == AGPOptionText::GRAY) {
+            mGray = true;
+        }
+    }
+    if (threeColumns) {
+        text += used < 2 ? "||" : used == 2 ? "|" : "";
+    }
+    // The entry's picture (the Image child's, else the first text's phone-number picture) is set
+    // with ListItem::setImage here once those elements exist.
+    mListItem->setText(text);
+    mListItem->setActiveFontColour(!mGray);
+}
+
+DisplayAPI::ListItem* AGPOption::takeListItem() {
+    mListItemTaken = mListItem != nullptr;
+    return mListItem;
+}
+
+void AGPOption::deleteDisplayElements() {
+    delete mImage;
+    mImage = nullptr;
+    if (!mListItemTaken) {
+        delete mListItem;
+    }
+    mListItem = nullptr;
+    mListItemTaken = false;
+}
+
+void AGPOption::imageDownloaded(AGPId id) {
+    AGPCommonBase* image = getImage();
+    if (image == nullptr || image->getAGPObjectID() != id || mListItem == nullptr) {
+        return;
+    }
+    // The downloaded picture is set on the row here once the Image element exists.
+}
+
+void AGPOption::gatherKeyValues(std::multimap<std::string, std::string>& keyValues) {
+    keyValues.insert(std::make_pair(mKey->getValueText(), mValue->getValueText()));
+}
