@@ -94,6 +94,10 @@ AGPRemoteTraceHandler* AGPPhoneletManager::getAGPRemoteTraceHandler() {
     return getOrCreate(mpAgpRemoteTraceHandler);
 }
 
+const Translator* AGPPhoneletManager::getTranslator() {
+    return mpAgpPhonelet != nullptr ? mpAgpPhonelet->getTranslator() : nullptr;
+}
+
 bool AGPPhoneletManager::isPhoneletShuttingDown() {
     return mpAgpPhonelet != nullptr && mpAgpPhonelet->isShuttingDown();
 }

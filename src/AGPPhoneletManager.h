@@ -2,6 +2,7 @@
 #pragma once
 
 class AGPPhonelet;
+class Translator;
 class AGPObjectMap;
 class AGPGUIHandler;
 class AGPMessageQueueHandler;
@@ -48,6 +49,9 @@ public:
     static AGPImageCache* findAGPImageCache() { return mpAgpImageCache; }
     static AGPKeysHandler* findAGPKeysHandler() { return mpAgpKeysHandler; }
     static AGPRemoteTraceHandler* findAGPRemoteTraceHandler() { return mpAgpRemoteTraceHandler; }
+
+    // The phonelet's translator; null without a phonelet (labels then show in English).
+    static const Translator* getTranslator();
 
     // The phonelet's flags, false while no phonelet is registered.
     static bool isPhoneletShuttingDown();

@@ -21,11 +21,6 @@
 
 namespace {
 
-const Translator* phoneletTranslator() {
-    AGPPhonelet* phonelet = AGPPhoneletManager::getAGPPhonelet();
-    return phonelet != nullptr ? phonelet->getTranslator() : nullptr;
-}
-
 // The delay in whole seconds, at least one: a timer never fires at once.
 std::uint32_t delaySeconds(std::int32_t milliseconds) {
     return std::max<std::uint32_t>(1, static_cast<std::uint32_t>(milliseconds) / 1000);
@@ -235,7 +230,7 @@ void AGPIppAlert::createDismissCommand() {
         setAttribute(*mDismissCommand, "Auto", std::to_string(delaySeconds(mDelay)));
     }
     auto* label = new AGPLabel();
-    std::string text = TranslationInfo("alert.dismiss", phoneletTranslator()).getText();
+    std::string text = TranslationInfo("alert.dismiss", AGPPhoneletManager::getTranslator()).getText();
     label->addContent(text);
     label->setQueueID(mQueueID);
     if (mDismissCommand->addChild(*label)) {

@@ -34,11 +34,6 @@ namespace {
 
 const char* const kParseFailed = "PARSE_FAILED";
 
-const Translator* translator() {
-    AGPPhonelet* phonelet = AGPPhoneletManager::getAGPPhonelet();
-    return phonelet != nullptr ? phonelet->getTranslator() : nullptr;
-}
-
 bool hasSoftKeyBar() {
     AGPGUIHandler* gui = AGPPhoneletManager::findAGPGUIHandler();
     return gui != nullptr && gui->getDisplay() != nullptr && gui->getDisplay()->hasSoftKeyBar() != 0;
@@ -279,7 +274,7 @@ void AGPIppList::createDefaultSelectCommand() {
     setAttribute(*command, "Priority", "0");
     command->setQueueID(mQueueID);
     auto* label = new AGPLabel();
-    std::string text = TranslationInfo("command.select", translator()).getText();
+    std::string text = TranslationInfo("command.select", AGPPhoneletManager::getTranslator()).getText();
     label->addContent(text);
     label->setQueueID(mQueueID);
     if (command->addChild(*label)) {
@@ -327,7 +322,8 @@ void AGPIppList::initContextMenuOptions() {
     if (DisplayAPI::CommandListener* listener = menuListener()) {
         mOptionsContextMenu->addCommandListener(listener);
     }
-    auto* entry = new DisplayAPI::ListItem(TranslationInfo("list.options", translator()), true);
+    auto* entry =
+        new DisplayAPI::ListItem(TranslationInfo("list.options", AGPPhoneletManager::getTranslator()), true);
     entry->setActiveFontColour(true);
     mList->insert(entry, 0);
     entry->setActiveFontColour(false);

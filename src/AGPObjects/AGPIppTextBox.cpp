@@ -29,11 +29,6 @@ namespace {
 
 const char* const kParseFailed = "PARSE_FAILED";
 
-const Translator* phoneletTranslator() {
-    AGPPhonelet* phonelet = AGPPhoneletManager::getAGPPhonelet();
-    return phonelet != nullptr ? phonelet->getTranslator() : nullptr;
-}
-
 // Before the pool exists its objects cannot be compared; their text stands in for them.
 bool defaultIs(const AGPDefault* value, const AGPDefault* pooled, const char* text) {
     return pooled != nullptr ? *value == *pooled : value->getValueText() == text;
@@ -381,7 +376,7 @@ void AGPIppTextBox::processMessage(AGPMessage& message) {
         unsigned int number = 0;
         if (mConstraint == NUMERIC && (text.find_first_not_of("0123456789") != std::string::npos ||
                                        !AGPUtils::stringToUnsignedInt(text, number))) {
-            const Translator* translator = phoneletTranslator();
+            const Translator* translator = AGPPhoneletManager::getTranslator();
             showAlert(TranslationInfo("alert.numberformat.title", translator).getText(),
                       TranslationInfo("alert.numberformat.msg", translator).getText(), message.bringToFront);
             mTextBox->setText(mText);
@@ -471,8 +466,9 @@ void AGPIppTextBox::showAlert(std::string title, const std::string& text, bool b
     if (mAlert == nullptr) {
         mAlert = new DisplayAPI::Alert(title, "", nullptr, DisplayAPI::ALERT_WARNING);
         mAlert->setOwnerId(mAGPId);
-        mAlertCancelCommand = new DisplayAPI::Command(TranslationInfo("command.cancel", phoneletTranslator()),
-                                                      DisplayAPI::Command::CANCEL);
+        mAlertCancelCommand =
+            new DisplayAPI::Command(TranslationInfo("command.cancel", AGPPhoneletManager::getTranslator()),
+                                    DisplayAPI::Command::CANCEL);
         mAlertCancelCommand->setOwnerId(mAGPId);
         mAlert->addCommand(mAlertCancelCommand);
         if (gui != nullptr) {
