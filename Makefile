@@ -15,8 +15,9 @@ build: configure
 test: build
 	ctest --preset default
 
-demo:
-	@echo "The demo application arrives with the screens; meanwhile, after make test: build/default/bin/agp-phone --url URL --render text"
+demo: build
+	@echo "agp-phone: the demo application on an embedded server; type keys below (or use the control API), quit to end"
+	build/default/bin/agp-phone --demo --push 127.0.0.1:0 --http 127.0.0.1:0
 
 bench: deps
 	cmake --preset release

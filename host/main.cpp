@@ -10,11 +10,13 @@
 #include <nlohmann/json.hpp>
 
 #include "ControlApi.h"
+#include "DemoServer.h"
 #include "EmulatedPhone.h"
 #include "PhoneConfiguration.h"
 #include "PhoneJournal.h"
 #include "PushEndpoint.h"
 #include "ScenarioScript.h"
+#include "TerminalKeys.h"
 #include "TextRenderer.h"
 #include "logging/LogSink.h"
 
@@ -31,6 +33,7 @@ struct Arguments {
     std::string model;
     std::string script;
     bool headless = false;
+    bool demo = false;
 };
 
 // Collects the errors the phonelet logs while it starts, to tell why a start failed.
@@ -126,6 +129,7 @@ int main(int argc, char** argv) {
     app.add_option("--model", arguments.model, "Phone model: soft-keys or no-soft-keys")
         ->check(CLI::IsMember({"soft-keys", "no-soft-keys"}));
     app.add_flag("--headless", arguments.headless, "Run without the web page");
+    app.add_flag("--demo", arguments.demo, "Run the bundled demo application on an embedded server");
     app.add_option("--script", arguments.script,
                    "Run a scenario script, then end (0: every expectation held)");
     try {
@@ -144,6 +148,17 @@ int main(int argc, char** argv) {
         return 2;
     }
     std::string problem;
+    DemoServer demoServer(DemoServer::findFolder(executableDirectory()));
+    if (arguments.demo) {
+        if (!demoServer.start(problem)) {
+            return fail(1, problem);
+        }
+        arguments.url = "http://127.0.0.1:" + std::to_string(demoServer.port()) + "/demo/start.xml";
+        arguments.application = arguments.application.empty() ? "demo" : arguments.application;
+        if (arguments.render == "none") {
+            arguments.render = "text";
+        }
+    }
     if (!arguments.url.empty() &&
         !configuration.useApplicationUrl(arguments.url, arguments.application, problem)) {
         return fail(2, "--url: " + problem);
@@ -205,6 +220,7 @@ int main(int argc, char** argv) {
     if (arguments.render == "text") {
         printScreenOnChange(phone);
     }
+    demoServer.setPhone(&phone, application);
     StartupErrors startupErrors;
     addLogSink(&startupErrors);
     phone.start();
@@ -228,10 +244,12 @@ int main(int argc, char** argv) {
             status = 1;
         }
     } else {
+        TerminalKeys keys(phone, arguments.render == "text" && isatty(STDIN_FILENO));
         runUntilStopped(phone, control, signals);
     }
     control.stop();
     pushEndpoint.stop();
+    demoServer.stop();
     phone.stop();
     return status;
 }

@@ -235,3 +235,26 @@ TEST(AgpPhone, ScenarioScriptsPassFailAndReportMistakes) {
     EXPECT_NE(output.find(broken + ":2: unknown command 'wibble'"), std::string::npos) << output;
     EXPECT_NE(output.find(broken + ":3: 'expect title' needs a text"), std::string::npos) << output;
 }
+
+TEST(AgpPhone, TheDemoRunsOnItsEmbeddedServer) {
+    const std::string script = ::testing::TempDir() + "/agp-demo.agp";
+    std::ofstream(script) << "wait text \"AGP demo\"\n"
+                             "press ok\n"
+                             "wait text Colours\n"
+                             "press ok softkey1\n"
+                             "wait text \"The server received\"\n"
+                             "expect text \"blue = not_yes\"\n"
+                             "expect text \"red = yes\"\n"
+                             "press softkey1\n"
+                             "wait text Yellow\n"
+                             "press back\n"
+                             "wait text \"Write a note\"\n"
+                             "press down ok\n"
+                             "wait text \"Type here\"\n";
+    std::string output;
+    EXPECT_EQ(runToEnd({"--demo", "--app", "Demo-" + std::to_string(getpid()), "--headless", "--push", "off",
+                        "--http", "off", "--script", script},
+                       output),
+              0)
+        << output;
+}
