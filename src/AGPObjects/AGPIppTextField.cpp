@@ -65,7 +65,13 @@ bool AGPIppTextField::addAttribute(std::string& name, std::string& value) {
         delete mKey;
         mKey = AGPKey::parseAGPKey(value);
         const AGPKey* failed = AGPObjectPool::getAGPKey_PARSE_FAILED();
-        return failed != nullptr ? *mKey != *failed : mKey->getValueText() != kParseFailed;
+        if (failed != nullptr ? *mKey != *failed : mKey->getValueText() != kParseFailed) {
+            return true;
+        }
+        // A key that failed to parse is sent as if none were given.
+        delete mKey;
+        mKey = new AGPKey("null");
+        return false;
     }
     if (name == "MaxSize") {
         return parseAGPMaxSize(value, mMaxSize);

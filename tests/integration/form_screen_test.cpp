@@ -223,6 +223,23 @@ TEST_P(FormScreen, BackOpensThePopupConfirmWithBackAndExit) {
     EXPECT_EQ(shot["popup"]["entries"], json({"Back", "Leave"})) << shot.dump();
 }
 
+TEST_P(FormScreen, OnlyABackCommandGoesStraightToThePreviousScreen) {
+    start("<IppForm ItemCount=\"1\"><Title>First</Title><Url>" + url() + "</Url>" + field("a", "A") +
+              "</IppForm>",
+          command("SELECT", "Next"), 1);
+    mServer.setDocument("/app/sent", "<IppDisplay><IppScreen ID=\"2\" CommandCount=\"1\"><IppForm "
+                                     "ItemCount=\"1\"><Title>Second</Title>" +
+                                         field("b", "B") + "</IppForm>" + command("BACK", "Back") +
+                                         "</IppScreen></IppDisplay>");
+    submit(0);
+    json shot = waitFor([](const json& s) { return s["screen"]["title"] == "Second"; });
+    ASSERT_EQ(shot["screen"]["title"], "Second") << shot.dump();
+    press(Key::Down, focusIs(1));
+    shot = press(Key::Back, [](const json& s) { return s["screen"]["title"] == "First"; });
+    EXPECT_EQ(shot["screen"]["title"], "First") << shot.dump();
+    EXPECT_TRUE(shot["popup"].is_null()) << "no popup confirm for a lone BACK";
+}
+
 TEST_P(FormScreen, SelectionItemMenuSendsItsCommandWithTheFields) {
     start("<IppForm ItemCount=\"2\"><Url>" + url() + "</Url>" + field("name", "Name") +
               "<IppItem CommandCount=\"1\">" +

@@ -78,6 +78,10 @@ TEST_F(FormElements, AttributesFallBackAsDocumented) {
     EXPECT_FALSE(set(text, "Default", "PARSE_FAILED"));
     EXPECT_TRUE(set(text, "Default", "TEXT"));
     EXPECT_EQ(AGPIppItem::parseAGPCommandCount("-1"), 0u);
+    EXPECT_FALSE(set(text, "Key", "PARSE_FAILED"));
+    std::multimap<std::string, std::string> pairs;
+    text.gatherKeyValues(pairs);
+    EXPECT_EQ(pairs, (std::multimap<std::string, std::string>{{"null", ""}}));
 }
 
 TEST_F(FormElements, OneTitleOnlyAndNoForeignChildren) {
