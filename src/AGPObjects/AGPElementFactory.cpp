@@ -13,10 +13,13 @@
 #include "AGPIppAlert.h"
 #include "AGPIppCommand.h"
 #include "AGPIppDisplay.h"
+#include "AGPIppForm.h"
 #include "AGPIppHidden.h"
+#include "AGPIppItem.h"
 #include "AGPIppList.h"
 #include "AGPIppScreen.h"
 #include "AGPIppTextBox.h"
+#include "AGPIppTextField.h"
 #include "AGPKey.h"
 #include "AGPLabel.h"
 #include "AGPMaximum.h"
@@ -61,6 +64,9 @@ const std::unordered_map<std::string_view, Creator>& elementTable() {
         {"IppTextBox", create<AGPIppTextBox>},
         {"IppAlert", create<AGPIppAlert>},
         {"IppList", create<AGPIppList>},
+        {"IppForm", create<AGPIppForm>},
+        {"IppItem", create<AGPIppItem>},
+        {"IppTextField", create<AGPIppTextField>},
         {"Option", create<AGPOption>},
         {"OptionText", create<AGPOptionText>},
         {"Encapsulation_s", create<Encapsulation_s>},
