@@ -1,5 +1,6 @@
 // From a key press to the next screen on the display, through the whole phone and a loopback server.
 #include <benchmark/benchmark.h>
+#include <expat.h>
 #include <httplib.h>
 
 #include <algorithm>
@@ -25,6 +26,26 @@ std::string pageDocument(int number, int port) {
            "</IppScreen></IppDisplay>";
 }
 
+// Five screens; the first holds a form of 50 text fields, the others small text boxes.
+std::string formDocument(int number, int port) {
+    const std::string url = "http://127.0.0.1:" + std::to_string(port) + "/form";
+    std::string xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?><IppDisplay InitialScreen=\"1\">"
+                      "<IppScreen ID=\"1\" CommandCount=\"1\"><IppForm ItemCount=\"50\"><Title>Form " +
+                      std::to_string(number) + "</Title><Url>" + url + "</Url>";
+    for (int i = 0; i < 50; ++i) {
+        xml += "<IppTextField Key=\"field" + std::to_string(i) + "\" Default=\"TEXT\"><Label>Field " +
+               std::to_string(i) + "</Label><Text>value " + std::to_string(i) + "</Text></IppTextField>";
+    }
+    xml += "</IppForm><IppCommand Type=\"SELECT\" Priority=\"0\"><Label>Next</Label>"
+           "</IppCommand></IppScreen>";
+    for (int screen = 2; screen <= 5; ++screen) {
+        xml += "<IppScreen ID=\"" + std::to_string(screen) +
+               "\"><IppTextBox MaxSize=\"100\" Default=\"TEXT\"><Title>Screen " + std::to_string(screen) +
+               "</Title><Text>Another screen of the document.</Text></IppTextBox></IppScreen>";
+    }
+    return xml + "</IppDisplay>";
+}
+
 std::string currentTitle(DisplayAPI::Display& display) {
     const nlohmann::json screen = display.snapshot().value("screen", nlohmann::json());
     return screen.is_object() && screen.value("title", nlohmann::json()).is_string()
@@ -32,13 +53,16 @@ std::string currentTitle(DisplayAPI::Display& display) {
                : "";
 }
 
-void BM_KeyPressToNextScreen(benchmark::State& state) {
+// Serves a new document per request; a soft key on each screen asks for the next one, whose
+// title carries the next number.
+void pressForNextScreens(benchmark::State& state, std::string (*makeDocument)(int, int),
+                         const std::string& prefix, const std::string& program) {
     httplib::Server server;
     std::atomic<int> pages{0};
     server.set_tcp_nodelay(true); // before the listening socket exists, or it does not apply
     int port = server.bind_to_any_port("127.0.0.1");
     server.Get(".*", [&](const httplib::Request&, httplib::Response& response) {
-        response.set_content(pageDocument(++pages, port), "application/octet-stream");
+        response.set_content(makeDocument(++pages, port), "application/octet-stream");
     });
     std::thread listener([&] { server.listen_after_bind(); });
     while (!server.is_running()) {
@@ -52,7 +76,7 @@ void BM_KeyPressToNextScreen(benchmark::State& state) {
                                      {"server-addr-1", "127.0.0.1"},
                                      {"server-port-1", std::to_string(port)},
                                      {"transport-1", "http"},
-                                     {"program-name-1", "page"},
+                                     {"program-name-1", program},
                                      {"num-tabs-1", "0"},
                                      {"ipaddress", "127.0.0.1"},
                                      {"ip-protocol-mode", "IPv4"}});
@@ -70,13 +94,13 @@ void BM_KeyPressToNextScreen(benchmark::State& state) {
         return changed.wait_for(lock, std::chrono::seconds(10),
                                 [&] { return currentTitle(phone.display()) == title; });
     };
-    if (!waitForTitle("Page 1")) {
+    if (!waitForTitle(prefix + "1")) {
         state.SkipWithError("the first page did not appear");
         return;
     }
     std::vector<double> micros;
     for (auto _ : state) {
-        const std::string next = "Page " + std::to_string(pages + 1);
+        const std::string next = prefix + std::to_string(pages + 1);
         const auto start = std::chrono::steady_clock::now();
         phone.display().pressKey(DisplayAPI::Key::SoftKey1);
         if (!waitForTitle(next)) {
@@ -95,6 +119,34 @@ void BM_KeyPressToNextScreen(benchmark::State& state) {
     server.stop();
     listener.join();
 }
+void BM_KeyPressToNextScreen(benchmark::State& state) {
+    pressForNextScreens(state, pageDocument, "Page ", "page");
+}
 BENCHMARK(BM_KeyPressToNextScreen)->Iterations(1000)->UseRealTime()->Unit(benchmark::kMicrosecond);
+
+// A five-screen document with a 50-item form fetched, parsed, installed and shown per key press.
+void BM_KeyPressToFiveScreenFormDocument(benchmark::State& state) {
+    pressForNextScreens(state, formDocument, "Form ", "form");
+}
+BENCHMARK(BM_KeyPressToFiveScreenFormDocument)->Iterations(300)->UseRealTime()->Unit(benchmark::kMicrosecond);
+
+void emptyStart(void*, const char*, const char**) {}
+void emptyEnd(void*, const char*) {}
+void emptyText(void*, const char*, int) {}
+
+// Bare expat over the same bytes, for comparison.
+void BM_BareExpatFiveScreenFormDocument(benchmark::State& state) {
+    const std::string xml = formDocument(1, 8080);
+    for (auto _ : state) {
+        XML_Parser parser = XML_ParserCreate(nullptr);
+        XML_SetElementHandler(parser, emptyStart, emptyEnd);
+        XML_SetCharacterDataHandler(parser, emptyText);
+        benchmark::DoNotOptimize(XML_Parse(parser, xml.data(), static_cast<int>(xml.size()), 1));
+        XML_ParserFree(parser);
+    }
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * xml.size()));
+    state.counters["bytes"] = static_cast<double>(xml.size());
+}
+BENCHMARK(BM_BareExpatFiveScreenFormDocument)->Unit(benchmark::kMicrosecond);
 
 } // namespace
