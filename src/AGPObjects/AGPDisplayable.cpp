@@ -157,3 +157,23 @@ std::string AGPDisplayable::getUrl() {
     AGPCommonBase* url = getChildByType(AGPObjectTypeInfo::ti_Url);
     return url != nullptr ? url->getContent() : std::string();
 }
+
+void AGPDisplayable::runObservedEventCommand(AGPIppCommand::AGPEvent event) {
+    if (event != AGPIppCommand::ONFOCUS && event != AGPIppCommand::ONBLUR) {
+        return;
+    }
+    AGPIppCommand* command = findObservedEventCommand(event);
+    if (command == nullptr) {
+        return;
+    }
+    if (command->getAGPType() == AGPIppCommand::ACTION) {
+        command->invokeAction();
+        return;
+    }
+    std::multimap<std::string, std::string> keyValues;
+    if (command->getAGPType() == AGPIppCommand::SELECT) {
+        addSelectedPairs(keyValues);
+    }
+    command->gatherKeyValues(keyValues);
+    reReadFromUrl(keyValues);
+}

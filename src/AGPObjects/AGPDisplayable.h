@@ -54,12 +54,19 @@ public:
     // The content of the Url child, or the empty text.
     std::string getUrl();
 
+    // Carries out the command observed for a focus event: an action runs; any other command sends
+    // its pair to the element's Url, after the element's own selection for a SELECT.
+    void runObservedEventCommand(AGPIppCommand::AGPEvent event);
+
     AGPIppCommand* getTimerCommand() const { return mTimerCommand; }
     DisplayAPI::Timer* getTimer() const { return mTimer; }
     bool isTimerRunning() const { return mTimerRunning; }
     std::uint32_t getTimerDuration() const { return mTimerDuration; }
 
 protected:
+    // The pairs that a SELECT event command sends besides its own: the element's selection.
+    virtual void addSelectedPairs(std::multimap<std::string, std::string>& /*keyValues*/) {}
+
     AGPSendURLListenerIfc* mSendURLListener;
     DisplayAPI::Timer* mTimer;
     DisplayAPI::CommandListener* mTimerListener;

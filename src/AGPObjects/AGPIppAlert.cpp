@@ -338,18 +338,5 @@ void AGPIppAlert::dismiss(AGPMessage& message) {
 }
 
 void AGPIppAlert::processNotifyEvent(AGPIppCommand::AGPEvent event) {
-    if (event != AGPIppCommand::ONFOCUS && event != AGPIppCommand::ONBLUR) {
-        return;
-    }
-    AGPIppCommand* command = findObservedEventCommand(event);
-    if (command == nullptr) {
-        return;
-    }
-    if (command->getAGPType() == AGPIppCommand::ACTION) {
-        command->invokeAction();
-        return;
-    }
-    std::multimap<std::string, std::string> keyValues;
-    command->gatherKeyValues(keyValues);
-    reReadFromUrl(keyValues);
+    runObservedEventCommand(event);
 }

@@ -769,24 +769,14 @@ void AGPIppForm::processNotifyEvent(AGPIppCommand::AGPEvent event) {
         }
         return;
     }
-    if (event != AGPIppCommand::ONFOCUS && event != AGPIppCommand::ONBLUR) {
-        return;
-    }
-    AGPIppCommand* command = findObservedEventCommand(event);
-    if (command == nullptr) {
-        return;
-    }
-    if (command->getAGPType() == AGPIppCommand::ACTION) {
-        command->invokeAction();
-        return;
-    }
-    std::multimap<std::string, std::string> keyValues;
-    if (command->getAGPType() == AGPIppCommand::SELECT && mForm != nullptr) {
+    runObservedEventCommand(event);
+}
+
+void AGPIppForm::addSelectedPairs(std::multimap<std::string, std::string>& keyValues) {
+    if (mForm != nullptr) {
         AGPMessage empty;
         gatherKeyValues(keyValues, empty);
     }
-    command->gatherKeyValues(keyValues);
-    reReadFromUrl(keyValues);
 }
 
 void AGPIppForm::startTimer() {

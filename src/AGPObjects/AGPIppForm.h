@@ -104,6 +104,9 @@ public:
 
     DisplayAPI::Form* getForm() const { return mForm; }
 
+protected:
+    void addSelectedPairs(std::multimap<std::string, std::string>& keyValues) override;
+
 private:
     bool addAGPTitle(AGPCommonBase& child) { return addCountedChild(mTitleCount, child); }
     bool addAGPUrl(AGPCommonBase& child) { return addCountedChild(mUrlCount, child); }

@@ -676,23 +676,11 @@ void AGPIppList::handleBackCommand(DisplayAPI::Command* command, bool bringToFro
 }
 
 void AGPIppList::processNotifyEvent(AGPIppCommand::AGPEvent event) {
-    if (event != AGPIppCommand::ONFOCUS && event != AGPIppCommand::ONBLUR) {
-        return;
-    }
-    AGPIppCommand* command = findObservedEventCommand(event);
-    if (command == nullptr) {
-        return;
-    }
-    if (command->getAGPType() == AGPIppCommand::ACTION) {
-        command->invokeAction();
-        return;
-    }
-    std::multimap<std::string, std::string> keyValues;
-    if (command->getAGPType() == AGPIppCommand::SELECT) {
-        selectItem(keyValues);
-    }
-    command->gatherKeyValues(keyValues);
-    reReadFromUrl(keyValues);
+    runObservedEventCommand(event);
+}
+
+void AGPIppList::addSelectedPairs(std::multimap<std::string, std::string>& keyValues) {
+    selectItem(keyValues);
 }
 
 DisplayAPI::Displayable* AGPIppList::getDisplayAPIDisplayable() {

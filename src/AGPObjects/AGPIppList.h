@@ -100,6 +100,9 @@ public:
     void saveListState();
     void retrieveListState();
 
+protected:
+    void addSelectedPairs(std::multimap<std::string, std::string>& keyValues) override;
+
 private:
     std::vector<AGPOption*> getOptions();
     // The options put into the widget: the first "Count" ones.

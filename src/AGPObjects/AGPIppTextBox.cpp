@@ -498,23 +498,11 @@ void AGPIppTextBox::processNotifyEvent(AGPIppCommand::AGPEvent event) {
         }
         return;
     }
-    if (event != AGPIppCommand::ONFOCUS && event != AGPIppCommand::ONBLUR) {
-        return;
-    }
-    AGPIppCommand* command = findObservedEventCommand(event);
-    if (command == nullptr) {
-        return;
-    }
-    if (command->getAGPType() == AGPIppCommand::ACTION) {
-        command->invokeAction();
-        return;
-    }
-    std::multimap<std::string, std::string> keyValues;
-    if (command->getAGPType() == AGPIppCommand::SELECT) {
-        addTextPair(keyValues);
-    }
-    command->gatherKeyValues(keyValues);
-    reReadFromUrl(keyValues);
+    runObservedEventCommand(event);
+}
+
+void AGPIppTextBox::addSelectedPairs(std::multimap<std::string, std::string>& keyValues) {
+    addTextPair(keyValues);
 }
 
 DisplayAPI::Displayable* AGPIppTextBox::getDisplayAPIDisplayable() {

@@ -106,6 +106,9 @@ public:
     void showAlert(std::string title, const std::string& text, bool bringToFront);
     void destroyAlert();
 
+protected:
+    void addSelectedPairs(std::multimap<std::string, std::string>& keyValues) override;
+
 private:
     bool addAGPTitle(AGPCommonBase& child) { return addCountedChild(mTitleCount, child); }
     bool addAGPText(AGPCommonBase& child) { return addCountedChild(mTextCount, child); }

@@ -155,6 +155,21 @@ TEST_P(ListScreen, PlainListSendsTheFocusedOptionOnOk) {
     EXPECT_TRUE(mPhone->display().snapshot()["popup"].is_null());
 }
 
+TEST_P(ListScreen, FocusEventCommandSendsTheSelectionWhenTheApplicationComesBack) {
+    start("<IppDisplay><IppScreen ID=\"1\" CommandCount=\"1\"><IppList Count=\"2\"><Title>Back "
+          "again</Title><Url>" +
+          url() + "</Url>" + option("colour", "red", "FALSE", text("Red")) +
+          option("colour", "green", "FALSE", text("Green")) +
+          "</IppList><IppCommand Type=\"SELECT\" DisplayOn=\"NONE\" Event=\"ONFOCUS\" Key=\"seen\" "
+          "Value=\"1\"><Label>Seen</Label></IppCommand></IppScreen></IppDisplay>");
+    press(Key::Down, [](const json& s) { return s["screen"]["focus"] == 1; });
+    mPhone->lifeCycle("hide");
+    mPhone->lifeCycle("show");
+    ASSERT_TRUE(mServer.waitForRequests(2));
+    EXPECT_EQ(lastRequest(), "/app/chosen?colour=green&seen=1")
+        << "the selection first, then the command's pair";
+}
+
 TEST_P(ListScreen, OptionsRowOpensOptionCommandsAndRowMenuSelects) {
     const std::string update =
         "<IppCommand Type=\"UPDATE\" Key=\"mode\" Value=\"fresh\"><Label>Refresh</Label>"
