@@ -250,6 +250,22 @@ TEST(AgpPhone, TheDemoRunsOnItsEmbeddedServer) {
                              "press back\n"
                              "wait text \"Write a note\"\n"
                              "press down ok\n"
+                             "wait text \"PIN again\"\n"
+                             "press down ok\n"
+                             "type Ann\n"
+                             "press ok down down ok\n"
+                             "type 12\n"
+                             "press ok down ok\n"
+                             "type 12\n"
+                             "press ok up up up up ok\n"
+                             "wait text \"The server received\"\n"
+                             "expect text \"name = Ann\"\n"
+                             "expect text \"pin = 12\"\n"
+                             "press back\n"
+                             "wait text \"PIN again\"\n"
+                             "press back\n"
+                             "wait text \"Write a note\"\n"
+                             "press down ok\n"
                              "wait text \"Type here\"\n";
     std::string output;
     EXPECT_EQ(runToEnd({"--demo", "--app", "Demo-" + std::to_string(getpid()), "--headless", "--push", "off",
