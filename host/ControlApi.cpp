@@ -11,6 +11,7 @@
 
 #include "EmulatedPhone.h"
 #include "EventStream.h"
+#include "ExclusiveListener.h"
 #include "PhoneJournal.h"
 #include "PushEndpoint.h"
 #include "TextRenderer.h"
@@ -71,7 +72,7 @@ std::uint64_t numberParameter(const httplib::Request& request, const char* name,
 } // namespace
 
 ControlApi::ControlApi(EmulatedPhone& phone, PhoneJournal& journal, const std::string& application)
-    : mPhone(phone), mJournal(journal), mApplication(application), mServer(new httplib::Server()) {
+    : mPhone(phone), mJournal(journal), mApplication(application), mServer(newExclusiveServer()) {
     addRoutes();
 }
 

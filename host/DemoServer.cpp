@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "EmulatedPhone.h"
+#include "ExclusiveListener.h"
 #include "PushEndpoint.h"
 
 namespace {
@@ -45,7 +46,7 @@ bool isPageName(const std::string& name) {
 
 } // namespace
 
-DemoServer::DemoServer(const std::string& folder) : mFolder(folder), mServer(new httplib::Server()) {}
+DemoServer::DemoServer(const std::string& folder) : mFolder(folder), mServer(newExclusiveServer()) {}
 
 DemoServer::~DemoServer() {
     stop();

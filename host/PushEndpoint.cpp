@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "EmulatedPhone.h"
+#include "ExclusiveListener.h"
 #include "uri/GPALAdmin.h"
 
 namespace {
@@ -36,7 +37,7 @@ void answer(httplib::Response& response, int status, const std::string& text) {
 } // namespace
 
 PushEndpoint::PushEndpoint(EmulatedPhone& phone, const std::string& defaultApplication)
-    : mPhone(phone), mDefaultApplication(defaultApplication), mServer(new httplib::Server()) {}
+    : mPhone(phone), mDefaultApplication(defaultApplication), mServer(newExclusiveServer()) {}
 
 PushEndpoint::~PushEndpoint() {
     stop();

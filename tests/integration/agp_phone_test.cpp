@@ -231,6 +231,15 @@ TEST(AgpPhone, RunsTheApplicationTakesPushesAndStopsOnSigterm) {
     ASSERT_TRUE(huge);
     EXPECT_EQ(huge->status, 413);
 
+    // A second phone cannot take ports that are in use, and says which.
+    const std::string url = "http://127.0.0.1:" + std::to_string(server.port()) + "/app/start";
+    std::string output;
+    EXPECT_EQ(runToEnd({"--url", url, "--push", "127.0.0.1:" + pushPort, "--http", "off"}, output), 1);
+    EXPECT_NE(output.find("cannot listen for pushes on 127.0.0.1:" + pushPort), std::string::npos) << output;
+    const std::string taken = std::to_string(server.port());
+    EXPECT_EQ(runToEnd({"--url", url, "--push", "off", "--http", "127.0.0.1:" + taken}, output), 1);
+    EXPECT_NE(output.find("--http: cannot listen on 127.0.0.1:" + taken), std::string::npos) << output;
+
     EXPECT_EQ(phone.stop(), 0) << phone.output();
 }
 
