@@ -49,8 +49,10 @@ nlohmann::json newest(const nlohmann::json& entries, std::size_t count) {
 } // namespace
 
 EventStream::EventStream(EmulatedPhone& phone, const PhoneJournal& journal, std::uint64_t lastEventId)
-    : mPhone(phone), mJournal(journal), mJournalSent(lastEventId),
-      mLastWrite(std::chrono::steady_clock::now()) {}
+    : mPhone(phone), mJournal(journal), mLastWrite(std::chrono::steady_clock::now()) {
+    // An id newer than anything here comes from an earlier run of the phone: start from scratch.
+    mJournalSent = lastEventId <= journal.lastSequence() ? lastEventId : 0;
+}
 
 bool EventStream::writeNews(httplib::DataSink& sink, std::chrono::milliseconds wait) {
     const bool first = mFirst;

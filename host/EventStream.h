@@ -39,6 +39,6 @@ private:
     std::uint64_t mNewsSeen = 0;
     std::uint64_t mRevisionSent = 0;
     std::string mStateSent;
-    std::uint64_t mJournalSent;
+    std::uint64_t mJournalSent = 0;
     std::chrono::steady_clock::time_point mLastWrite;
 };

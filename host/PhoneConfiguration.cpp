@@ -83,10 +83,26 @@ PhoneConfiguration::PhoneConfiguration() {
                  {"related-device-type", "Veltria 80"}};
 }
 
+bool PhoneConfiguration::applyModel(const std::string& name, DisplayAPI::DisplayModel& model) {
+    const int softKeys = model.softKeys;
+    if (name == "soft-keys") {
+        model = DisplayAPI::DisplayModel();
+    } else if (name == "no-soft-keys") {
+        model = {"compact desk phone", false, softKeys, 240, 128, 5};
+    } else {
+        return false;
+    }
+    model.softKeys = softKeys;
+    return true;
+}
+
 bool PhoneConfiguration::applyPhoneSetting(const std::string& key, const std::string& value,
                                            std::string& problem) {
-    if (key == "phone.model" && isOneOf(value, {"soft-keys", "no-soft-keys"})) {
-        mOptions.model.softKeyBar = value == "soft-keys";
+    if (key == "phone.model") {
+        if (!applyModel(value, mOptions.model)) {
+            problem = "bad value '" + value + "' for " + key;
+            return false;
+        }
     } else if (key == "phone.soft-keys" && value.size() == 1 && value[0] >= '1' && value[0] <= '6') {
         mOptions.model.softKeys = value[0] - '0';
     } else if (key == "phone.locale" && !value.empty()) {
@@ -99,8 +115,8 @@ bool PhoneConfiguration::applyPhoneSetting(const std::string& key, const std::st
         mOptions.timeFormat = value;
     } else if (key == "phone.application" && !value.empty()) {
         mApplication = value;
-    } else if (isOneOf(key, {"phone.model", "phone.soft-keys", "phone.locale", "phone.date-format",
-                             "phone.time-format", "phone.application"})) {
+    } else if (isOneOf(key, {"phone.soft-keys", "phone.locale", "phone.date-format", "phone.time-format",
+                             "phone.application"})) {
         problem = "bad value '" + value + "' for " + key;
         return false;
     } else {

@@ -11,6 +11,7 @@
 // "server-addr-1", "ipaddress", ...) and the emulator's phone settings, which start with
 // "phone.":
 //   phone.model        soft-keys | no-soft-keys        phone.soft-keys  1..6
+//                      (320x240 with a soft-key bar | 240x128 without one)
 //   phone.locale       en, de, ...                     phone.ca-file    extra trusted CA (PEM)
 //   phone.date-format  MM/DD/YYYY | YYYY-MM-DD | DD.MM.YYYY
 //   phone.time-format  12HR | 24HR                     phone.application  name of the app to start
@@ -27,6 +28,9 @@ public:
 
     const std::map<std::string, std::string>& databaseValues() const { return mDatabase; }
     const PhoneOptions& phoneOptions() const { return mOptions; }
+
+    // Applies a model name ("soft-keys" or "no-soft-keys") to `model`, keeping its soft-key count.
+    static bool applyModel(const std::string& name, DisplayAPI::DisplayModel& model);
 
 private:
     bool applyPhoneSetting(const std::string& key, const std::string& value, std::string& problem);

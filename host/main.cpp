@@ -209,7 +209,7 @@ int main(int argc, char** argv) {
     PhoneOptions options = configuration.phoneOptions();
     options.applicationName = application;
     if (!arguments.model.empty()) {
-        options.model.softKeyBar = arguments.model == "soft-keys";
+        PhoneConfiguration::applyModel(arguments.model, options.model);
     }
     PhoneJournal journal;
     EmulatedPhone phone(options);
