@@ -304,6 +304,8 @@ TEST(AgpPhone, ControlApiDrivesThePhoneAndQuits) {
     ASSERT_TRUE(resumed.waitFor("event: state")) << resumed.text();
     std::this_thread::sleep_for(std::chrono::milliseconds(200));
     EXPECT_EQ(resumed.text().find("event: requests"), std::string::npos) << resumed.text();
+    EventReader afterRestart(std::stoi(port), "999999");
+    EXPECT_TRUE(afterRestart.waitFor("event: requests")) << "an id from an earlier run starts from scratch";
 
     EXPECT_EQ(api.Post("/api/quit", "", "application/json")->status, 200);
     EXPECT_EQ(phone.wait(), 0) << phone.output();
