@@ -96,7 +96,19 @@ function reportFailure(action) {
   return () => action().catch((error) => say(`Failed: ${error.message}`));
 }
 
+// A mouse click leaves no focus behind in the panel, so Enter and Space go on reaching the phone;
+// controls reached with Tab keep it.
+function releaseFocusAfterClick(root) {
+  root.addEventListener('click', (event) => {
+    const control = event.target.closest('button, summary');
+    if (control && event.detail > 0) {
+      control.blur();
+    }
+  });
+}
+
 renderDisplay(display, null);
+releaseFocusAfterClick(document.querySelector('.devpanel'));
 buildDialPad(document.getElementById('dialpad'));
 bindKeyClicks(document.querySelector('.phone'), sender);
 bindKeyboard(document, sender);

@@ -192,10 +192,12 @@ function requestBody(entry) {
   if (entry.finalUrl && entry.finalUrl !== entry.url) {
     fact('Final URL', entry.finalUrl);
   }
-  if (entry.redirections) {
-    fact('Redirections', entry.redirections);
+  if (Array.isArray(entry.redirections) && entry.redirections.length > 0) {
+    fact('Redirected to', entry.redirections.join('\n'));
   }
-  fact('Connection status', entry.connectionStatus);
+  if (entry.connectionStatus >= 0) {
+    fact('Connection status', entry.connectionStatus);
+  }
   fact('Error', textOf(entry.error));
   fact('Size', `${entry.bodySize ?? 0} bytes${entry.bodyTruncated ? ' (shown in part)' : ''}`);
   body.append(facts);

@@ -1,0 +1,243 @@
+// The web page against a running agp-phone: the demo walked with clicks and with the keyboard.
+import assert from 'node:assert/strict';
+import fs from 'node:fs';
+import path from 'node:path';
+import { after, before, describe, test } from 'node:test';
+
+import { launchBrowser } from './browser.js';
+import { buildDirectory, startPhone } from './phone.js';
+
+const SCREENSHOTS = process.env.AGP_SCREENSHOTS ?? path.join(buildDirectory(), 'screenshots');
+const WAIT_MS = 5000;
+
+let browser;
+let large;
+let small;
+
+before(async () => {
+  fs.mkdirSync(SCREENSHOTS, { recursive: true });
+  [large, small, browser] = await Promise.all([
+    startPhone({ model: 'soft-keys' }),
+    startPhone({ model: 'no-soft-keys' }),
+    launchBrowser({ downloads: SCREENSHOTS }),
+  ]);
+});
+
+after(async () => {
+  await browser?.close();
+  const ends = await Promise.all([large, small].filter(Boolean).map((phone) => phone.stop()));
+  for (const end of ends) {
+    assert.deepEqual(end, { code: 0, signal: null }, 'agp-phone ends cleanly on SIGTERM');
+  }
+});
+
+async function openPage(phone) {
+  const page = await browser.context.newPage();
+  const problems = [];
+  page.on('pageerror', (error) => problems.push(error.message));
+  page.on('console', (message) => message.type() === 'error' && problems.push(message.text()));
+  await page.goto(phone.pageUrl);
+  page.problems = problems;
+  return page;
+}
+
+function displayText(page) {
+  return page.locator('#display').innerText();
+}
+
+async function waitForDisplay(page, text) {
+  try {
+    await page.waitForFunction((wanted) => document.getElementById('display').innerText.includes(wanted), text,
+      { timeout: WAIT_MS });
+  } catch {
+    assert.fail(`the display never showed "${text}"; it shows:\n${await displayText(page)}`);
+  }
+}
+
+async function shot(page, name) {
+  await page.screenshot({ path: path.join(SCREENSHOTS, `${name}.png`) });
+}
+
+async function press(page, key) {
+  await page.locator(`.phone [data-key="${key}"]`).click();
+}
+
+function focusedRowText(page) {
+  return page.locator('#display .content .focused').first().innerText();
+}
+
+describe('the large phone with soft keys', () => {
+  let page;
+  const textPosts = [];
+
+  before(async () => {
+    page = await openPage(large);
+    page.on('request', (request) => request.url().endsWith('/api/text') && textPosts.push(request.postData()));
+  });
+
+  test('the menu is shown with its first row focused, and the start request is listed', async () => {
+    await waitForDisplay(page, 'Pick colours');
+    assert.match(await page.locator('#display .title').innerText(), /AGP demo/);
+    assert.equal(await focusedRowText(page), 'Pick colours (multiple list)');
+    assert.equal(await page.locator('#softkeys [data-key]').count(), 4, 'one button per soft key');
+    await page.locator('#requests .url', { hasText: '/demo/start.xml' }).waitFor({ timeout: WAIT_MS });
+    await shot(page, '01-menu');
+  });
+
+  test('clicks: a colour ticked on the multiple list and sent with the first soft key', async () => {
+    await press(page, 'ok');
+    await waitForDisplay(page, 'Yellow');
+    const ticks = () => page.locator('#display .row .mark').allInnerTexts();
+    assert.deepEqual(await ticks(), ['☐', '☑', '☐', '☐'], 'only Green starts ticked');
+    assert.match(await page.locator('#display .softkey-bar').innerText(), /Send/);
+    await press(page, 'ok');
+    await page.waitForFunction(() => document.querySelector('#display .row .mark').textContent === '☑');
+    await shot(page, '02-colours');
+    await press(page, 'softkey1');
+    await waitForDisplay(page, 'The server received');
+    const text = await displayText(page);
+    assert.match(text, /red = yes/);
+    assert.match(text, /blue = not_yes/);
+    await page.locator('#requests .url', { hasText: '/demo/echo' }).waitFor({ timeout: WAIT_MS });
+    await page.locator('#requests .url', { hasText: '/demo/menu' }).first().waitFor();
+    await shot(page, '03-echo');
+  });
+
+  test('a request expands to the received document, indented and shown as text', async () => {
+    const echo = page.locator('#requests li', { has: page.locator('.url', { hasText: '/demo/echo' }) }).last();
+    await echo.locator('summary').click();
+    const xml = echo.locator('pre.xml');
+    await xml.waitFor();
+    const document = await xml.innerText();
+    assert.match(document, /^<\?xml[^\n]*\?>\n/);
+    assert.match(document, /\n<IppDisplay>\n {2}<IppScreen ID="6"[^\n]*>\n {4}<IppTextBox/);
+    assert.match(document, /red = yes/);
+    assert.equal(await xml.locator('*').count(), 0, 'the document is text, never markup');
+    assert.match(await echo.locator('.status').innerText(), /200/);
+  });
+
+  test('keyboard: the form filled in, typed letters reach only a field being edited', async () => {
+    await page.keyboard.press('F1');
+    await waitForDisplay(page, 'Yellow');
+    await page.keyboard.press('Escape');
+    await waitForDisplay(page, 'Write a note');
+    await page.keyboard.type('xyz');
+    await page.keyboard.press('ArrowDown');
+    await page.keyboard.press('Enter');
+    await waitForDisplay(page, 'PIN again');
+    assert.equal(textPosts.length, 0, 'letters typed on a list are not sent');
+    await shot(page, '04-form');
+
+    await page.keyboard.press('ArrowDown');
+    await page.keyboard.press('Enter');
+    await page.keyboard.type('Ann');
+    await page.locator('#display .field.editing', { hasText: 'Ann' }).waitFor({ timeout: WAIT_MS });
+    await shot(page, '05-form-editing');
+    await page.keyboard.press('Enter');
+    for (const key of ['ArrowDown', 'ArrowDown', 'Enter', '1', '2', 'Enter', 'ArrowDown', 'Enter', '1', '2', 'Enter']) {
+      await page.keyboard.press(key);
+    }
+    await page.waitForFunction(() => document.querySelectorAll('#display .field-text')
+      .item(4)?.textContent.length === 2);
+    for (const key of ['ArrowUp', 'ArrowUp', 'ArrowUp', 'ArrowUp']) {
+      await page.keyboard.press(key);
+    }
+    await page.waitForFunction(() => document.querySelector('#display .item.focused .item-label')
+      ?.textContent === 'Options');
+    await page.keyboard.press('Enter');
+    await waitForDisplay(page, 'The server received');
+    const text = await displayText(page);
+    assert.match(text, /name = Ann/);
+    assert.match(text, /pin = 12/);
+    assert.deepEqual(textPosts.map((body) => JSON.parse(body).text), ['A', 'n', 'n']);
+    await shot(page, '06-form-sent');
+  });
+
+  test('an alert stands over the dimmed menu and Back takes it away', async () => {
+    await page.keyboard.press('Escape');
+    await waitForDisplay(page, 'PIN again');
+    await page.keyboard.press('Escape');
+    await waitForDisplay(page, 'Show an alert');
+    await page.keyboard.press('ArrowDown');
+    await page.keyboard.press('ArrowDown');
+    await page.keyboard.press('Enter');
+    const alert = page.locator('#display .overlay .popup-alert');
+    await alert.waitFor({ timeout: WAIT_MS });
+    assert.match(await alert.innerText(), /Hello[\s\S]*closes itself/);
+    assert.equal(await page.locator('#display .title').first().innerText(), 'AGP demo', 'the menu stays under it');
+    await shot(page, '07-alert');
+    await press(page, 'back');
+    await alert.waitFor({ state: 'detached', timeout: WAIT_MS });
+  });
+
+  test('the screen is copied as text and saved as a PNG of the display', async () => {
+    await browser.context.grantPermissions(['clipboard-read', 'clipboard-write']);
+    await page.locator('#copy-text').click();
+    await page.locator('#toolbar-status', { hasText: 'Copied' }).waitFor({ timeout: WAIT_MS });
+    const copied = await page.evaluate(() => navigator.clipboard.readText());
+    assert.match(copied, /== AGP demo ==\n(.*\n)*> Show an alert/);
+
+    const [download] = await Promise.all([page.waitForEvent('download'), page.locator('#save-png').click()]);
+    const file = path.join(SCREENSHOTS, '08-saved-display.png');
+    await download.saveAs(file);
+    const png = fs.readFileSync(file);
+    assert.equal(png.subarray(1, 4).toString(), 'PNG');
+    const model = await page.evaluate(() => [document.getElementById('display').style.getPropertyValue('--w'),
+      document.getElementById('display').style.getPropertyValue('--h')].map(Number));
+    assert.deepEqual([png.readUInt32BE(16), png.readUInt32BE(20)], model.map((size) => size * 2),
+      'twice the display resolution');
+  });
+
+  test('the log filters by module and by level; a push is listed', async () => {
+    await page.locator('#tab-log').click();
+    const lines = page.locator('#log .log-line');
+    await lines.first().waitFor({ timeout: WAIT_MS });
+    const all = await lines.count();
+    await page.locator('#log-level').selectOption('4');
+    const levels = await page.locator('#log .log-level').allInnerTexts();
+    assert.ok(levels.length < all, 'detailed trace hidden at level 4');
+    assert.ok(levels.every((level) => ['fatal', 'error', 'warning', 'info'].includes(level)));
+    await page.locator('#log-level').selectOption('6');
+    await page.locator('#log-module').selectOption('AGPGUIHandler');
+    const modules = await page.locator('#log .log-module').allInnerTexts();
+    assert.ok(modules.length > 0 && modules.every((module) => module === 'AGPGUIHandler'));
+
+    await page.keyboard.press('ArrowDown');
+    await page.keyboard.press('Enter');
+    await waitForDisplay(page, 'pushed this screen');
+    await page.locator('#tab-pushes').click();
+    const push = page.locator('#pushes .push').first();
+    await push.waitFor({ timeout: WAIT_MS });
+    assert.match(await push.innerText(), /accepted[\s\S]*via demo server/);
+    await shot(page, '09-pushed');
+    assert.deepEqual(page.problems, []);
+  });
+});
+
+describe('the small phone without soft keys', () => {
+  test('# opens the options of the list over it; the page fits a narrow window at 200%', async () => {
+    const page = await openPage(small);
+    await waitForDisplay(page, 'Pick colours');
+    assert.equal(await page.locator('#softkeys').isHidden(), true);
+    assert.equal(await page.locator('#display .softkey-bar').count(), 0);
+    await page.keyboard.press('Enter');
+    await waitForDisplay(page, 'Yellow');
+    await page.keyboard.press('#');
+    const menu = page.locator('#display .overlay .popup');
+    await menu.waitFor({ timeout: WAIT_MS });
+    assert.match(await menu.innerText(), /Send[\s\S]*Back/);
+    await shot(page, '10-small-options');
+    await page.keyboard.press('Escape');
+    await menu.waitFor({ state: 'detached', timeout: WAIT_MS });
+
+    const cdp = await browser.context.newCDPSession(page);
+    await cdp.send('Emulation.setDeviceMetricsOverride', { width: 400, height: 900, deviceScaleFactor: 2, mobile: false });
+    const phone = await page.locator('.phone').boundingBox();
+    const panel = await page.locator('.devpanel').boundingBox();
+    assert.ok(panel.y >= phone.y + phone.height, 'the panel goes under the phone');
+    assert.ok(phone.x >= 0 && phone.x + phone.width <= 400, 'the phone fits the window');
+    await shot(page, '11-small-narrow-200');
+    assert.deepEqual(page.problems, []);
+    await page.close();
+  });
+});
