@@ -28,8 +28,10 @@ export class KeySender {
 
   key(name) {
     this.enqueue(async () => {
-      this.awaitingScreen = true;
       await post('api/keys', { keys: [name] });
+      // The answer comes once the phone has settled; the next screen event shows the result (or
+      // came already, which costs text a short wait).
+      this.awaitingScreen = true;
     });
   }
 
