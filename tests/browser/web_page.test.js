@@ -241,7 +241,7 @@ describe('the large phone with soft keys', () => {
 });
 
 describe('the small phone without soft keys', () => {
-  test('# opens the options of the list over it; the page fits a narrow window at 200%', async () => {
+  test('# opens the options of the list over it, the App key shows the application again, and the page fits a narrow window at 200%', async () => {
     const page = await openPage(small);
     await waitForDisplay(page, 'Pick colours');
     assert.equal(await page.locator('#softkeys').isHidden(), true);
@@ -255,6 +255,11 @@ describe('the small phone without soft keys', () => {
     await shot(page, '10-small-options');
     await page.keyboard.press('Escape');
     await menu.waitFor({ state: 'detached', timeout: WAIT_MS });
+
+    await fetch(new URL('api/application', small.pageUrl), { method: 'POST', body: '{"action": "hide"}' });
+    await waitForDisplay(page, 'Application hidden');
+    await press(page, 'application');
+    await waitForDisplay(page, 'Yellow');
 
     const cdp = await browser.context.newCDPSession(page);
     await cdp.send('Emulation.setDeviceMetricsOverride', { width: 400, height: 900, deviceScaleFactor: 2, mobile: false });
