@@ -16,7 +16,8 @@ test: build
 	ctest --preset default
 
 demo: build
-	@echo "agp-phone: the demo application on an embedded server; type keys below (or use the control API), quit to end"
+	@echo "agp-phone: the demo application on an embedded server; open the web page printed below,"
+	@echo "or type key names here (up, down, ok, back, softkey1, ...); quit or Ctrl-C ends it"
 	build/default/bin/agp-phone --demo --push 127.0.0.1:0 --http 127.0.0.1:0
 
 bench: deps

@@ -7,8 +7,10 @@
 #include <chrono>
 #include <nlohmann/json.hpp>
 #include <thread>
+#include <unistd.h>
 
 #include "EmulatedPhone.h"
+#include "EventStream.h"
 #include "PhoneJournal.h"
 #include "PushEndpoint.h"
 #include "TextRenderer.h"
@@ -89,15 +91,23 @@ bool ControlApi::start(const std::string& host, int port, std::string& problem) 
 }
 
 void ControlApi::stop() {
+    mStopping = true;
     if (mThread.joinable()) {
         mServer->stop();
         mThread.join();
     }
 }
 
+bool ControlApi::serveWebPage(const std::string& folder) {
+    return access((folder + "/index.html").c_str(), R_OK) == 0 && mServer->set_mount_point("/", folder);
+}
+
 void ControlApi::addRoutes() {
     httplib::Server& server = *mServer;
     server.set_payload_max_length(PushEndpoint::kMaxBody);
+    // Each open web page holds a worker for its event stream, and a page that went away holds it
+    // until the next keep-alive finds the connection closed.
+    server.new_task_queue = [] { return new httplib::ThreadPool(kWorkers); };
 
     // The screen; with ?after=REVISION it waits (up to ?timeout= ms, default 10000) for a newer one.
     server.Get("/api/screen", [this](const httplib::Request& request, httplib::Response& response) {
@@ -160,24 +170,22 @@ void ControlApi::addRoutes() {
         reply(response, mJournal.logLines(numberParameter(request, "after", 0),
                                           request.get_param_value("module"), level));
     });
+    server.Get("/api/pushes", [this](const httplib::Request& request, httplib::Response& response) {
+        reply(response, mJournal.pushes(numberParameter(request, "after", 0)));
+    });
     server.Get("/api/state", [this](const httplib::Request&, httplib::Response& response) {
-        Json beeps = Json::array();
-        for (const auto& beep : mPhone.media().beeps()) {
-            beeps.push_back(beep.beepNumber);
-        }
-        Json calls = Json::array();
-        for (const auto& call : mPhone.callControl().calls()) {
-            calls.push_back(
-                {{"id", call.callId}, {"called", call.calledDevice}, {"answered", call.answered}});
-        }
-        reply(response, {{"application", mApplication},
-                         {"running", mPhone.isRunning()},
-                         {"shown", mPhone.display().isShown()},
-                         {"front", mPhone.phoneletManager().frontPhonelet()},
-                         {"led", mPhone.phoneletManager().isLedOn(mApplication)},
-                         {"tabBarFocused", mPhone.phoneletManager().isTabBarFocused()},
-                         {"beeps", beeps},
-                         {"calls", calls}});
+        reply(response, mPhone.describeState());
+    });
+    // The live feed of the web page; see EventStream for its events.
+    server.Get("/api/events", [this](const httplib::Request& request, httplib::Response& response) {
+        const std::string lastId = request.get_header_value("Last-Event-ID");
+        const bool numeric = !lastId.empty() && lastId.size() < 19 &&
+                             lastId.find_first_not_of("0123456789") == std::string::npos;
+        auto stream = std::make_shared<EventStream>(mPhone, mJournal, numeric ? std::stoull(lastId) : 0);
+        response.set_header("Cache-Control", "no-store");
+        response.set_chunked_content_provider("text/event-stream", [stream](size_t, httplib::DataSink& sink) {
+            return stream->writeNews(sink, std::chrono::seconds(1));
+        });
     });
     server.Post("/api/application", [this](const httplib::Request& request, httplib::Response& response) {
         Json body;
@@ -226,7 +234,7 @@ void ControlApi::addRoutes() {
             return fault(response, "'data' (form-encoded push fields) and 'type' (queue, indicate, force, "
                                    "active) are needed");
         }
-        const int accepted = mPhone.push(data, body.value("application", mApplication), type);
+        const int accepted = mPhone.push(data, body.value("application", mApplication), type, "control API");
         reply(response, {{"accepted", accepted == 1}}, accepted == 1 ? 200 : 409);
     });
     server.Post("/api/quit", [this](const httplib::Request&, httplib::Response& response) {

@@ -16,6 +16,8 @@ class Server;
 // Every call and its answer are described, with examples, in docs/control-api.md.
 class ControlApi {
 public:
+    static constexpr size_t kWorkers = 32;
+
     ControlApi(EmulatedPhone& phone, PhoneJournal& journal, const std::string& application);
     ~ControlApi();
     ControlApi(const ControlApi&) = delete;
@@ -28,7 +30,9 @@ public:
     // Set by POST /api/quit; the program ends when it sees it.
     bool quitRequested() const { return mQuit; }
 
-    // Lets a front end (the web page) serve its own files and routes on the same listener.
+    // Serves the web page's files from `folder` at "/". False when the folder has no index.html.
+    bool serveWebPage(const std::string& folder);
+    // Lets a front end serve its own routes on the same listener.
     httplib::Server& server() { return *mServer; }
 
 private:
@@ -41,4 +45,5 @@ private:
     std::thread mThread;
     int mPort = 0;
     std::atomic<bool> mQuit{false};
+    std::atomic<bool> mStopping{false};
 };

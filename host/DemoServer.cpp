@@ -51,11 +51,6 @@ DemoServer::~DemoServer() {
     stop();
 }
 
-std::string DemoServer::findFolder(const std::string& programDirectory) {
-    const std::string installed = programDirectory + "/../share/agp/demo";
-    return access((installed + "/start.xml").c_str(), R_OK) == 0 ? installed : AGP_DEMO_SOURCE_DIR;
-}
-
 void DemoServer::setPhone(EmulatedPhone* phone, const std::string& application) {
     mPhone = phone;
     mApplication = application;
@@ -82,7 +77,7 @@ void DemoServer::pushLater() {
         if (mPhone != nullptr) {
             mPhone->push("ServerAddr=127.0.0.1&ServerPort=" + std::to_string(mPort) +
                              "&ProgramName=demo/pushed.xml",
-                         mApplication, PushEndpoint::pushType("active"));
+                         mApplication, PushEndpoint::pushType("active"), "demo server");
         }
     });
 }

@@ -29,9 +29,6 @@ public:
     // The phone the push page pushes to; set before the first request.
     void setPhone(EmulatedPhone* phone, const std::string& application);
 
-    // Where the demo documents are: installed beside the program, else in the source tree.
-    static std::string findFolder(const std::string& programDirectory);
-
 private:
     std::string document(const std::string& name) const;
     void pushLater();

@@ -78,14 +78,48 @@ void EmulatedPhone::stopOnLoop() {
     delete phonelet;
 }
 
-int EmulatedPhone::push(const std::string& pushData, const std::string& appName, int pushType) {
+int EmulatedPhone::push(const std::string& pushData, const std::string& appName, int pushType,
+                        const std::string& via) {
     int result = -1;
     mLoop.runAndWait([&] {
         if (mPhonelet != nullptr) {
             result = mPhonelet->push(pushData, appName, pushType);
         }
     });
+    PushObserver observer;
+    {
+        std::lock_guard<std::mutex> lock(mObserverMutex);
+        observer = mPushObserver;
+    }
+    if (observer) {
+        observer(via, pushData, appName, pushType, result);
+    }
     return result;
+}
+
+void EmulatedPhone::setPushObserver(PushObserver observer) {
+    std::lock_guard<std::mutex> lock(mObserverMutex);
+    mPushObserver = std::move(observer);
+}
+
+nlohmann::json EmulatedPhone::describeState() const {
+    nlohmann::json beeps = nlohmann::json::array();
+    for (const auto& beep : mMedia.beeps()) {
+        beeps.push_back(beep.beepNumber);
+    }
+    nlohmann::json calls = nlohmann::json::array();
+    for (const auto& call : mCallControl.calls()) {
+        calls.push_back({{"id", call.callId}, {"called", call.calledDevice}, {"answered", call.answered}});
+    }
+    const std::string application = mContext.getApplicationName();
+    return {{"application", application},
+            {"running", isRunning()},
+            {"shown", mDisplay.isShown()},
+            {"front", mPhoneletManager.frontPhonelet()},
+            {"led", mPhoneletManager.isLedOn(application)},
+            {"tabBarFocused", mPhoneletManager.isTabBarFocused()},
+            {"beeps", beeps},
+            {"calls", calls}};
 }
 
 bool EmulatedPhone::lifeCycle(const std::string& action) {

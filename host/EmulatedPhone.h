@@ -2,7 +2,10 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <memory>
+#include <mutex>
+#include <nlohmann/json.hpp>
 #include <string>
 
 #include "PluginLoader.h"
@@ -44,11 +47,20 @@ public:
     void start();
     // hide, stopPhonelet and delete; idempotent.
     void stop();
-    // The host's push entry; 0 refused, 1 accepted, -1 without a phonelet.
-    int push(const std::string& pushData, const std::string& appName, int pushType);
+    // The host's push entry; 0 refused, 1 accepted, -1 without a phonelet. `via` names the way
+    // the push came in, for the push observer.
+    int push(const std::string& pushData, const std::string& appName, int pushType,
+             const std::string& via = "host");
+    // Told of every push and its result, on the pushing thread.
+    using PushObserver = std::function<void(const std::string& via, const std::string& pushData,
+                                            const std::string& appName, int pushType, int result)>;
+    void setPushObserver(PushObserver observer);
     // The host's show, hide or tab of the application; false for another word or no phonelet.
     bool lifeCycle(const std::string& action);
     bool isRunning() const;
+    // What the control API and the web page show besides the display: running, shown, front
+    // phonelet, the application's LED, tab bar focus, beeps and calls.
+    nlohmann::json describeState() const;
 
     // Takes a service away from the context, as on a phone where it is missing.
     void removeService(const std::string& name) { mContext.setService(name, nullptr); }
@@ -88,4 +100,6 @@ private:
     PluginLoader mPlugin;
     Phonelet* mPhonelet = nullptr; // used on the event thread only
     std::atomic<bool> mRunning{false};
+    mutable std::mutex mObserverMutex;
+    PushObserver mPushObserver;
 };

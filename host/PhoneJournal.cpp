@@ -1,15 +1,18 @@
-// What the phone did, kept for the control API and the web page: requests made and log lines.
+// What the phone did, kept for the control API and the web page: requests, pushes and log lines.
 #include "PhoneJournal.h"
 
 #include <ctime>
 
 namespace {
 
-void keepNewest(std::deque<nlohmann::json>& entries, nlohmann::json entry, size_t limit) {
-    entries.push_back(std::move(entry));
-    while (entries.size() > limit) {
-        entries.pop_front();
+nlohmann::json entriesAfter(const std::deque<nlohmann::json>& entries, std::uint64_t after) {
+    nlohmann::json result = nlohmann::json::array();
+    for (const nlohmann::json& entry : entries) {
+        if (entry["sequence"].get<std::uint64_t>() > after) {
+            result.push_back(entry);
+        }
     }
+    return result;
 }
 
 } // namespace
@@ -22,49 +25,74 @@ PhoneJournal::~PhoneJournal() {
     removeLogSink(this);
 }
 
+void PhoneJournal::keep(std::deque<nlohmann::json>& entries, nlohmann::json entry, size_t limit) {
+    {
+        std::lock_guard<std::mutex> lock(mMutex);
+        entry["sequence"] = mNextSequence++;
+        entries.push_back(std::move(entry));
+        while (entries.size() > limit) {
+            entries.pop_front();
+        }
+    }
+    mNews.notify();
+}
+
 void PhoneJournal::transferFinished(const HttpTransferRecord& record) {
     nlohmann::json headers = nlohmann::json::array();
     for (const auto& header : record.responseHeaders.getAllHeaders()) {
         headers.push_back({header.first, header.second});
     }
-    nlohmann::json entry = {{"time", static_cast<long>(std::time(nullptr))},
-                            {"method", record.method},
-                            {"url", record.requestedUrl},
-                            {"finalUrl", record.finalUrl},
-                            {"redirections", record.redirections},
-                            {"success", record.success},
-                            {"connectionStatus", record.connectionStatus},
-                            {"httpStatus", record.httpStatus},
-                            {"headers", headers},
-                            {"bodySize", record.bodySize},
-                            {"body", record.body},
-                            {"bodyTruncated", record.bodyTruncated},
-                            {"requestBody", record.requestBody},
-                            {"durationMs", record.durationMs},
-                            {"error", record.errorDetail}};
-    std::lock_guard<std::mutex> lock(mMutex);
-    entry["sequence"] = mNextSequence++;
-    keepNewest(mRequests, std::move(entry), kMaxRequests);
+    keep(mRequests,
+         {{"time", static_cast<long>(std::time(nullptr))},
+          {"method", record.method},
+          {"url", record.requestedUrl},
+          {"finalUrl", record.finalUrl},
+          {"redirections", record.redirections},
+          {"success", record.success},
+          {"connectionStatus", record.connectionStatus},
+          {"httpStatus", record.httpStatus},
+          {"headers", headers},
+          {"bodySize", record.bodySize},
+          {"body", record.body},
+          {"bodyTruncated", record.bodyTruncated},
+          {"requestBody", record.requestBody},
+          {"durationMs", record.durationMs},
+          {"error", record.errorDetail}},
+         kMaxRequests);
 }
 
 void PhoneJournal::receive(const LogEntry& entry) {
-    nlohmann::json line = {{"time", entry.time},   {"thread", entry.thread},     {"module", entry.module},
-                           {"level", entry.level}, {"source", entry.sourcePath}, {"line", entry.line},
-                           {"text", entry.text}};
-    std::lock_guard<std::mutex> lock(mMutex);
-    line["sequence"] = mNextSequence++;
-    keepNewest(mLogLines, std::move(line), kMaxLogLines);
+    keep(mLogLines,
+         {{"time", entry.time},
+          {"thread", entry.thread},
+          {"module", entry.module},
+          {"level", entry.level},
+          {"source", entry.sourcePath},
+          {"line", entry.line},
+          {"text", entry.text}},
+         kMaxLogLines);
+}
+
+void PhoneJournal::pushReceived(const std::string& via, const std::string& data,
+                                const std::string& application, int type, int result) {
+    keep(mPushes,
+         {{"time", static_cast<long>(std::time(nullptr))},
+          {"via", via},
+          {"application", application},
+          {"type", type},
+          {"data", data},
+          {"accepted", result == 1}},
+         kMaxPushes);
 }
 
 nlohmann::json PhoneJournal::requests(std::uint64_t after) const {
-    nlohmann::json result = nlohmann::json::array();
     std::lock_guard<std::mutex> lock(mMutex);
-    for (const nlohmann::json& entry : mRequests) {
-        if (entry["sequence"].get<std::uint64_t>() > after) {
-            result.push_back(entry);
-        }
-    }
-    return result;
+    return entriesAfter(mRequests, after);
+}
+
+nlohmann::json PhoneJournal::pushes(std::uint64_t after) const {
+    std::lock_guard<std::mutex> lock(mMutex);
+    return entriesAfter(mPushes, after);
 }
 
 nlohmann::json PhoneJournal::logLines(std::uint64_t after, const std::string& module, int maxLevel) const {
@@ -77,4 +105,9 @@ nlohmann::json PhoneJournal::logLines(std::uint64_t after, const std::string& mo
         }
     }
     return result;
+}
+
+std::uint64_t PhoneJournal::lastSequence() const {
+    std::lock_guard<std::mutex> lock(mMutex);
+    return mNextSequence - 1;
 }

@@ -68,7 +68,7 @@ bool PushEndpoint::start(const std::string& host, int port, std::string& problem
         }
         const std::string application =
             field("Application").empty() ? mDefaultApplication : field("Application");
-        const int accepted = mPhone.push(request.body, application, type);
+        const int accepted = mPhone.push(request.body, application, type, "push endpoint");
         if (accepted == 1) {
             return answer(response, 200, "accepted");
         }

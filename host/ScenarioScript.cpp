@@ -201,7 +201,7 @@ bool ScenarioScript::runStep(const Step& step, EmulatedPhone& phone, PhoneJourna
         const std::vector<std::string> parts = words(step.text);
         seen = "the push was refused";
         return parts.size() > 1 && phone.push(parts[1], phone.context().getApplicationName(),
-                                              PushEndpoint::pushType(parts[0])) == 1;
+                                              PushEndpoint::pushType(parts[0]), "scenario script") == 1;
     }
     if (command == "timeout") {
         timeoutSeconds = std::stoi(step.text);

@@ -70,6 +70,15 @@ std::string defaultPluginPath() {
     return access(beside.c_str(), F_OK) == 0 ? beside : directory + "/../lib/agp/libagpphonelet.so";
 }
 
+// Installed in ../share/agp/NAME beside the program; a program in a build tree uses the sources.
+std::string findDataFolder(const std::string& name, const std::string& sourceFolder,
+                           const std::string& marker) {
+    const std::string installed = executableDirectory() + "/../share/agp/" + name;
+    return access((installed + "/" + marker).c_str(), R_OK) == 0
+               ? installed
+               : std::string(AGP_SOURCE_DIR) + "/" + sourceFolder;
+}
+
 bool splitAddress(const std::string& address, std::string& host, int& port) {
     const size_t colon = address.rfind(':');
     if (colon == std::string::npos || colon == 0) {
@@ -100,9 +109,14 @@ void runUntilStopped(EmulatedPhone& phone, const ControlApi& control, const sigs
     }
 }
 
-void printScreenOnChange(EmulatedPhone& phone) {
+// Every change of the display wakes the web pages' event streams; the text view prints it too.
+void watchScreen(EmulatedPhone& phone, PhoneJournal& journal, bool printText) {
     auto last = std::make_shared<std::string>();
-    phone.display().setChangeListener([&phone, last] {
+    phone.display().setChangeListener([&phone, &journal, last, printText] {
+        journal.screenChanged();
+        if (!printText) {
+            return;
+        }
         const std::string text = TextRenderer::render(phone.display().snapshot());
         if (text != *last) {
             *last = text;
@@ -148,7 +162,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     std::string problem;
-    DemoServer demoServer(DemoServer::findFolder(executableDirectory()));
+    DemoServer demoServer(findDataFolder("demo", "apps/demo", "start.xml"));
     if (arguments.demo) {
         if (!demoServer.start(problem)) {
             return fail(1, problem);
@@ -217,8 +231,15 @@ int main(int argc, char** argv) {
         phone.stop();
         return fail(1, "--http: " + problem);
     }
-    if (arguments.render == "text") {
-        printScreenOnChange(phone);
+    watchScreen(phone, journal, arguments.render == "text");
+    phone.setPushObserver([&journal](const std::string& via, const std::string& data, const std::string& app,
+                                     int type,
+                                     int result) { journal.pushReceived(via, data, app, type, result); });
+    const std::string webFolder = findDataFolder("web", "web", "index.html");
+    const bool webPage = arguments.http != "off" && !arguments.headless && control.serveWebPage(webFolder);
+    if (arguments.http != "off" && !arguments.headless && !webPage) {
+        std::cerr << "agp-phone: no web page in " << webFolder
+                  << " (index.html missing); the control API runs alone\n";
     }
     demoServer.setPhone(&phone, application);
     StartupErrors startupErrors;
@@ -234,6 +255,9 @@ int main(int argc, char** argv) {
     }
     if (arguments.http != "off") {
         std::cout << "agp-phone: control API at http://" << httpHost << ":" << control.port() << "/api/\n";
+    }
+    if (webPage) {
+        std::cout << "agp-phone: web page at http://" << httpHost << ":" << control.port() << "/\n";
     }
     std::cout << std::flush;
     int status = 0;

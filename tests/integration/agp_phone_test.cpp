@@ -89,6 +89,86 @@ private:
     std::string mOutput;
 };
 
+// Reads a server-sent event stream on its own thread until stopped.
+class EventReader {
+public:
+    EventReader(int port, const std::string& lastEventId = "") : mClient("127.0.0.1", port) {
+        mClient.set_read_timeout(30);
+        httplib::Headers headers;
+        if (!lastEventId.empty()) {
+            headers.emplace("Last-Event-ID", lastEventId);
+        }
+        mThread = std::thread([this, headers] {
+            mClient.Get("/api/events", headers, [this](const char* data, size_t length) {
+                std::lock_guard<std::mutex> lock(mMutex);
+                mText.append(data, length);
+                return true;
+            });
+        });
+    }
+    ~EventReader() {
+        mClient.stop();
+        mThread.join();
+    }
+    std::string text() {
+        std::lock_guard<std::mutex> lock(mMutex);
+        return mText;
+    }
+    bool waitFor(const std::string& piece) {
+        for (int i = 0; i < 500 && text().find(piece) == std::string::npos; ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        return text().find(piece) != std::string::npos;
+    }
+    // The value of the last "id:" line seen.
+    std::string lastId() {
+        const std::string all = text();
+        const size_t at = all.rfind("\nid: ");
+        return at == std::string::npos ? "" : all.substr(at + 5, all.find('\n', at + 1) - at - 5);
+    }
+
+private:
+    httplib::Client mClient;
+    std::thread mThread;
+    std::mutex mMutex;
+    std::string mText;
+};
+
+// The indented lines under `heading` in one of the documents in docs/, as they stand.
+std::vector<std::string> documentedExample(const std::string& document, const std::string& heading) {
+    std::ifstream in(std::string(AGP_DOCS_DIR) + "/" + document);
+    std::vector<std::string> lines;
+    bool inside = false;
+    for (std::string line; std::getline(in, line);) {
+        if (line.rfind("#", 0) == 0) {
+            inside = line == heading;
+        } else if (inside && line.rfind("    ", 0) == 0) {
+            lines.push_back(line.substr(4));
+        }
+    }
+    return lines;
+}
+
+std::string replaceAll(std::string text, const std::string& from, const std::string& to) {
+    for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
+        text.replace(at, from.size(), to);
+    }
+    return text;
+}
+
+// Runs a shell command line; its exit status, and its standard output in `output`.
+int runShell(const std::string& command, std::string& output) {
+    output.clear();
+    FILE* pipe = popen(command.c_str(), "r");
+    char buffer[4096];
+    size_t got;
+    while ((got = fread(buffer, 1, sizeof buffer, pipe)) > 0) {
+        output.append(buffer, got);
+    }
+    const int status = pclose(pipe);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
 int runToEnd(const std::vector<std::string>& arguments, std::string& output) {
     PhoneProcess phone(arguments);
     const int status = phone.wait();
@@ -179,9 +259,25 @@ TEST(AgpPhone, ControlApiDrivesThePhoneAndQuits) {
     EXPECT_NE(requests->body.find("/start?ipaddress=127.0.0.1"), std::string::npos) << requests->body;
     auto log = api.Get("/api/log?module=AGPPhonelet&level=5");
     EXPECT_NE(log->body.find("AGPPhonelet started"), std::string::npos) << log->body;
-    EXPECT_EQ(api.Post("/api/config", R"({"values": {"language": "de"}})", "application/json")->status, 200);
+    EXPECT_EQ(
+        api.Post("/api/config", R"({"values": {"ipaddress": "127.0.0.2"}})", "application/json")->status,
+        200);
+    for (int i = 0;
+         i < 200 &&
+         api.Get("/api/log?module=AGPServerConnection")->body.find("Local IP Address has been changed") ==
+             std::string::npos;
+         ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    EXPECT_NE(api.Get("/api/log?module=AGPServerConnection")->body.find("Local IP Address has been changed"),
+              std::string::npos)
+        << "the configuration change reached the application";
     EXPECT_EQ(api.Post("/api/config", R"({"values": {"colour": "red"}})", "application/json")->status, 400);
+    EventReader events(std::stoi(port));
+    ASSERT_TRUE(events.waitFor("event: screen")) << events.text();
+    EXPECT_TRUE(events.waitFor("/start?ipaddress=127.0.0.1")) << "the requests so far come on connect";
     EXPECT_EQ(api.Post("/api/application", R"({"action": "hide"})", "application/json")->status, 200);
+    EXPECT_TRUE(events.waitFor("\"shown\":false")) << "the hidden screen and state come by themselves";
     auto state = api.Get("/api/state");
     EXPECT_NE(state->body.find("\"shown\":false"), std::string::npos) << state->body;
     EXPECT_EQ(api.Post("/api/push", R"({"data": "ServerAddr=127.0.0.1&ProgramName=p", "type": "queue"})",
@@ -190,6 +286,15 @@ TEST(AgpPhone, ControlApiDrivesThePhoneAndQuits) {
               200);
     ASSERT_TRUE(server.waitForRequests(2));
     EXPECT_EQ(server.requests()[1], "/p");
+    EXPECT_TRUE(events.waitFor("\"via\":\"control API\"")) << events.text();
+    EXPECT_TRUE(events.waitFor("ProgramName=p")) << events.text();
+    EXPECT_TRUE(events.waitFor("\"url\":\"http://127.0.0.1:" + std::to_string(server.port()) + "/p\""));
+
+    // A page that reconnects with the last id it saw gets the screen again but no old request.
+    EventReader resumed(std::stoi(port), events.lastId());
+    ASSERT_TRUE(resumed.waitFor("event: state")) << resumed.text();
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    EXPECT_EQ(resumed.text().find("event: requests"), std::string::npos) << resumed.text();
 
     EXPECT_EQ(api.Post("/api/quit", "", "application/json")->status, 200);
     EXPECT_EQ(phone.wait(), 0) << phone.output();
@@ -200,13 +305,11 @@ TEST(AgpPhone, ScenarioScriptsPassFailAndReportMistakes) {
     server.setDocument(""); // an empty reply shows nothing, so pushes stay welcome
     const std::string directory = ::testing::TempDir();
     const std::string passing = directory + "/agp-passing.agp";
-    std::ofstream(passing) << "# The phone asks for the start page with its own address.\n"
-                              "wait request /app/start\n"
-                              "expect request ipaddress=127.0.0.1\n"
-                              "expect text \"Starting application...\"\n"
-                              "expect log \"AGPPhonelet started\"\n"
-                              "push queue ServerAddr=127.0.0.1&ProgramName=news\n"
-                              "wait request /news\n";
+    std::ofstream script(passing);
+    for (const std::string& line : documentedExample("scenarios.md", "## Example")) {
+        script << line << "\n";
+    }
+    script.close();
     const std::vector<std::string> phone = {
         "--url",      "http://127.0.0.1:" + std::to_string(server.port()) + "/app/start",
         "--app",      "Script-" + std::to_string(getpid()),
@@ -273,4 +376,39 @@ TEST(AgpPhone, TheDemoRunsOnItsEmbeddedServer) {
                        output),
               0)
         << output;
+}
+
+TEST(AgpPhone, EveryControlApiExampleRunsAsDocumented) {
+    ApplicationServer server;
+    server.setDocument(""); // an empty reply shows nothing, so pushes stay welcome
+    PhoneProcess phone({"--url", "http://127.0.0.1:" + std::to_string(server.port()) + "/start", "--app",
+                        "Docs-" + std::to_string(getpid()), "--push", "127.0.0.1:0", "--http",
+                        "127.0.0.1:0"});
+    const std::string port = phone.waitForOutput("control API at http://127.0.0.1:([0-9]+)/api/");
+    const std::string pushPort = phone.waitForOutput("pushes to http://127.0.0.1:([0-9]+)/push");
+    ASSERT_FALSE(port.empty() || pushPort.empty()) << phone.output();
+    ASSERT_TRUE(server.waitForRequests(1));
+
+    const std::vector<std::string> examples = documentedExample("control-api.md", "## Examples");
+    ASSERT_GE(examples.size(), 14u);
+    for (const std::string& example : examples) {
+        const std::string command = replaceAll(replaceAll(example, "127.0.0.1:8080", "127.0.0.1:" + port),
+                                               "127.0.0.1:8085", "127.0.0.1:" + pushPort);
+        std::string output;
+        const int status = runShell(command, output);
+        const bool streamed = example.find("--max-time") != std::string::npos;
+        EXPECT_EQ(status, streamed ? 28 : 0) << example << "\n" << output;
+        EXPECT_FALSE(output.empty()) << example;
+        EXPECT_NE(output.rfind("{\"error\"", 0), 0u) << example << "\n" << output;
+        if (streamed) {
+            EXPECT_NE(output.find("event: screen"), std::string::npos) << output;
+        }
+        if (example.find("/api/pushes") != std::string::npos) {
+            EXPECT_NE(output.find("\"via\":\"push endpoint\""), std::string::npos) << output;
+        }
+    }
+    EXPECT_EQ(phone.wait(), 0) << "the last example quits\n" << phone.output();
+    EXPECT_TRUE(server.waitForRequests(3));
+    const std::vector<std::string> requests = server.requests();
+    EXPECT_NE(std::find(requests.begin(), requests.end(), "/news"), requests.end());
 }
