@@ -145,11 +145,15 @@ function keepScrolledToEnd(list, addEntries) {
   }
 }
 
-function clock(seconds) {
-  if (!seconds) {
+// Requests and pushes carry seconds since 1970, log lines a local "YYYY-MM-DD HH:MM:SS.mmm".
+function clock(time) {
+  if (typeof time === 'string') {
+    return time.split(' ').pop();
+  }
+  if (!time) {
     return '';
   }
-  return new Date(seconds * 1000).toLocaleTimeString([], { hour12: false });
+  return new Date(time * 1000).toLocaleTimeString([], { hour12: false });
 }
 
 function requestStatus(entry) {

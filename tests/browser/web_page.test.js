@@ -227,6 +227,7 @@ describe('the large phone with soft keys', () => {
     await page.locator('#log-module').selectOption('AGPGUIHandler');
     const modules = await page.locator('#log .log-module').allInnerTexts();
     assert.ok(modules.length > 0 && modules.every((module) => module === 'AGPGUIHandler'));
+    await shot(page, '09-log');
 
     await page.keyboard.press('ArrowDown');
     await page.keyboard.press('Enter');
@@ -235,7 +236,7 @@ describe('the large phone with soft keys', () => {
     const push = page.locator('#pushes .push').first();
     await push.waitFor({ timeout: WAIT_MS });
     assert.match(await push.innerText(), /accepted[\s\S]*via demo server/);
-    await shot(page, '09-pushed');
+    await shot(page, '10-pushed');
     assert.deepEqual(page.problems, []);
   });
 });
@@ -252,7 +253,7 @@ describe('the small phone without soft keys', () => {
     const menu = page.locator('#display .overlay .popup');
     await menu.waitFor({ timeout: WAIT_MS });
     assert.match(await menu.innerText(), /Send[\s\S]*Back/);
-    await shot(page, '10-small-options');
+    await shot(page, '11-small-options');
     await page.keyboard.press('Escape');
     await menu.waitFor({ state: 'detached', timeout: WAIT_MS });
 
@@ -269,7 +270,7 @@ describe('the small phone without soft keys', () => {
     assert.ok(phone.x >= 0 && phone.x + phone.width <= 400, 'the phone fits the window');
     // Taken through the same session: a page screenshot would undo the emulated zoom.
     const { data } = await cdp.send('Page.captureScreenshot', { format: 'png', captureBeyondViewport: true });
-    fs.writeFileSync(path.join(SCREENSHOTS, '11-small-narrow-200.png'), Buffer.from(data, 'base64'));
+    fs.writeFileSync(path.join(SCREENSHOTS, '12-small-narrow-200.png'), Buffer.from(data, 'base64'));
     assert.deepEqual(page.problems, []);
     await page.close();
   });
