@@ -15,7 +15,7 @@ const scrollTops = new Map();
 
 export function renderDisplay(container, snapshot) {
   const model = snapshot?.model ?? { width: 320, height: 240, visibleLines: 6, softKeyBar: false };
-  sizeDisplay(container, model);
+  sizeDisplay(container, model, snapshot);
   const screenArea = el('div', 'screen-area');
   const parts = [screenArea];
   if (!snapshot) {
@@ -32,8 +32,9 @@ export function renderDisplay(container, snapshot) {
   keepFocusVisible(container, snapshot);
 }
 
-function sizeDisplay(container, model) {
-  const fixed = STRIP.title + (model.softKeyBar ? STRIP.softKeys : 0);
+function sizeDisplay(container, model, snapshot) {
+  const fixed = STRIP.title + (model.softKeyBar ? STRIP.softKeys : 0) + (snapshot?.tabBar ? STRIP.tabBar : 0)
+    + (snapshot?.screen?.ticker ? STRIP.ticker : 0);
   const row = (model.height - fixed) / Math.max(1, model.visibleLines);
   container.style.setProperty('--w', model.width);
   container.style.setProperty('--h', model.height);

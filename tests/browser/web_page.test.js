@@ -275,3 +275,52 @@ describe('the small phone without soft keys', () => {
     await page.close();
   });
 });
+
+// Widgets the demo does not show, drawn from a snapshot of the documented shape on a page of its own.
+const OTHER_WIDGETS = {
+  revision: 1, shown: true, keypad: { sending: true }, popup: null, softKeys: ['Save', '', '', ''],
+  model: { name: 'desk phone', softKeyBar: true, softKeys: 4, width: 320, height: 240, visibleLines: 6 },
+  tabBar: { labels: ['Mail', 'Calls', 'Tools'], current: 1, active: false, leftUpwards: false },
+  screen: {
+    kind: 'form', ownerId: 7, title: 'Settings', ticker: 'Ticker news', commands: ['Save'], highlight: true,
+    menu: null, proportion: 1, focus: 1,
+    items: [
+      { kind: 'imageItem', ownerId: 8, label: 'Logo', focusable: false, focused: false, altText: 'logo',
+        arrow: false, informsOnOk: false, image: { id: 3, kind: 'png', width: 40, height: 20 } },
+      { kind: 'choiceGroup', ownerId: 9, label: 'Ring', focusable: true, focused: true, choiceType: 'exclusive',
+        row: 1, choices: [{ text: 'Loud', selected: false, image: null }, { text: 'Soft', selected: true, image: null }] },
+      { kind: 'slider', ownerId: 10, label: 'Volume', focusable: true, focused: false, min: 0, max: 10, value: 5,
+        interval: 1, automatic: false },
+    ],
+  },
+};
+
+test('a tab bar, a ticker, choices, a slider and an image placeholder are drawn from a snapshot', async () => {
+  const page = await openPage(small);
+  await page.locator('#display[data-revision]').waitFor({ timeout: WAIT_MS });
+  const drawn = await page.evaluate(async (snapshot) => {
+    const { renderDisplay } = await import('./display.js');
+    const display = document.createElement('div');
+    display.className = 'display';
+    display.style.setProperty('--scale', '1');
+    document.body.prepend(display);
+    renderDisplay(display, snapshot);
+    const text = (selector) => Array.from(display.querySelectorAll(selector), (node) => node.textContent);
+    const image = display.querySelector('.image').getBoundingClientRect();
+    return {
+      tabs: text('.tab'), current: text('.tab.current'), ticker: text('.ticker'), focused: text('.focused'),
+      marks: text('.choice .mark'), slider: display.querySelector('.slider-fill').style.width,
+      image: [image.width, image.height], softKeys: text('.softkey-label'),
+    };
+  }, OTHER_WIDGETS);
+  assert.deepEqual(drawn.tabs, ['Mail', 'Calls', 'Tools']);
+  assert.deepEqual(drawn.current, ['Calls']);
+  assert.deepEqual(drawn.ticker, ['Ticker news']);
+  assert.deepEqual(drawn.focused, ['◉Soft'], 'the focused choice row, not the whole group');
+  assert.deepEqual(drawn.marks, ['○', '◉']);
+  assert.equal(drawn.slider, '50%');
+  assert.deepEqual(drawn.image, [40, 20], 'a placeholder of the picture\'s size');
+  assert.deepEqual(drawn.softKeys, ['Save', '', '', '']);
+  await page.locator('body > .display').screenshot({ path: path.join(SCREENSHOTS, '13-other-widgets.png') });
+  await page.close();
+});
