@@ -364,6 +364,7 @@ TEST(AgpPhone, TheDemoRunsOnItsEmbeddedServer) {
                              "wait text \"The server received\"\n"
                              "expect text \"name = Ann\"\n"
                              "expect text \"pin = 12\"\n"
+                             "expect text \"session = demo-42\"\n"
                              "press back\n"
                              "wait text \"PIN again\"\n"
                              "press back\n"
