@@ -1,0 +1,326 @@
+// The web page against a running agp-phone: the demo walked with clicks and with the keyboard.
+import assert from 'node:assert/strict';
+import fs from 'node:fs';
+import path from 'node:path';
+import { after, before, describe, test } from 'node:test';
+
+import { launchBrowser } from './browser.js';
+import { buildDirectory, startPhone } from './phone.js';
+
+const SCREENSHOTS = process.env.AGP_SCREENSHOTS ?? path.join(buildDirectory(), 'screenshots');
+const WAIT_MS = 5000;
+
+let browser;
+let large;
+let small;
+
+before(async () => {
+  fs.mkdirSync(SCREENSHOTS, { recursive: true });
+  [large, small, browser] = await Promise.all([
+    startPhone({ model: 'soft-keys' }),
+    startPhone({ model: 'no-soft-keys' }),
+    launchBrowser({ downloads: SCREENSHOTS }),
+  ]);
+});
+
+after(async () => {
+  await browser?.close();
+  const ends = await Promise.all([large, small].filter(Boolean).map((phone) => phone.stop()));
+  for (const end of ends) {
+    assert.deepEqual(end, { code: 0, signal: null }, 'agp-phone ends cleanly on SIGTERM');
+  }
+});
+
+async function openPage(phone) {
+  const page = await browser.context.newPage();
+  const problems = [];
+  page.on('pageerror', (error) => problems.push(error.message));
+  page.on('console', (message) => message.type() === 'error' && problems.push(message.text()));
+  await page.goto(phone.pageUrl);
+  page.problems = problems;
+  return page;
+}
+
+function displayText(page) {
+  return page.locator('#display').innerText();
+}
+
+async function waitForDisplay(page, text) {
+  try {
+    await page.waitForFunction((wanted) => document.getElementById('display').innerText.includes(wanted), text,
+      { timeout: WAIT_MS });
+  } catch {
+    assert.fail(`the display never showed "${text}"; it shows:\n${await displayText(page)}`);
+  }
+}
+
+async function shot(page, name) {
+  await page.screenshot({ path: path.join(SCREENSHOTS, `${name}.png`) });
+}
+
+async function press(page, key) {
+  await page.locator(`.phone [data-key="${key}"]`).click();
+}
+
+function focusedRowText(page) {
+  return page.locator('#display .content .focused').first().innerText();
+}
+
+describe('the large phone with soft keys', () => {
+  let page;
+  const textPosts = [];
+
+  before(async () => {
+    page = await openPage(large);
+    page.on('request', (request) => request.url().endsWith('/api/text') && textPosts.push(request.postData()));
+  });
+
+  test('the menu is shown with its first row focused, and the start request is listed', async () => {
+    await waitForDisplay(page, 'Pick colours');
+    assert.match(await page.locator('#display .title').innerText(), /AGP demo/);
+    assert.equal(await focusedRowText(page), 'Pick colours (multiple list)');
+    assert.equal(await page.locator('#softkeys [data-key]').count(), 4, 'one button per soft key');
+    await page.locator('#requests .url', { hasText: '/demo/start.xml' }).waitFor({ timeout: WAIT_MS });
+    await shot(page, '01-menu');
+  });
+
+  test('clicks: a colour ticked on the multiple list and sent with the first soft key', async () => {
+    await press(page, 'ok');
+    await waitForDisplay(page, 'Yellow');
+    const ticks = () => page.locator('#display .row .mark').allInnerTexts();
+    assert.deepEqual(await ticks(), ['☐', '☑', '☐', '☐'], 'only Green starts ticked');
+    assert.match(await page.locator('#display .softkey-bar').innerText(), /Send/);
+    await press(page, 'ok');
+    await page.waitForFunction(() => document.querySelector('#display .row .mark').textContent === '☑');
+    await shot(page, '02-colours');
+    await press(page, 'softkey1');
+    await waitForDisplay(page, 'The server received');
+    const text = await displayText(page);
+    assert.match(text, /red = yes/);
+    assert.match(text, /blue = not_yes/);
+    await page.locator('#requests .url', { hasText: '/demo/echo' }).waitFor({ timeout: WAIT_MS });
+    await page.locator('#requests .url', { hasText: '/demo/menu' }).first().waitFor();
+    await shot(page, '03-echo');
+  });
+
+  test('a request expands to the received document, indented and shown as text', async () => {
+    const echo = page.locator('#requests li', { has: page.locator('.url', { hasText: '/demo/echo' }) }).last();
+    await echo.locator('summary').click();
+    const xml = echo.locator('pre.xml');
+    await xml.waitFor();
+    const document = await xml.innerText();
+    assert.match(document, /^<\?xml[^\n]*\?>\n/);
+    assert.match(document, /\n<IppDisplay>\n {2}<IppScreen ID="6"[^\n]*>\n {4}<IppTextBox/);
+    assert.match(document, /red = yes/);
+    assert.equal(await xml.locator('*').count(), 0, 'the document is text, never markup');
+    assert.match(await echo.locator('.status').innerText(), /200/);
+  });
+
+  test('keyboard: the form filled in, typed letters reach only a field being edited', async () => {
+    await page.keyboard.press('F1');
+    await waitForDisplay(page, 'Yellow');
+    await page.keyboard.press('Escape');
+    await waitForDisplay(page, 'Write a note');
+    await page.keyboard.type('xyz');
+    await page.keyboard.press('ArrowDown');
+    await page.keyboard.press('Enter');
+    await waitForDisplay(page, 'PIN again');
+    assert.equal(textPosts.length, 0, 'letters typed on a list are not sent');
+    await shot(page, '04-form');
+
+    await page.keyboard.press('ArrowDown');
+    await page.keyboard.press('Enter');
+    await page.keyboard.type('Ann<b>');
+    await page.locator('#display .field.editing', { hasText: 'Ann<b>' }).waitFor({ timeout: WAIT_MS });
+    await shot(page, '05-form-editing');
+    await page.keyboard.press('Enter');
+    for (const key of ['ArrowDown', 'ArrowDown', 'Enter', '1', '2', 'Enter', 'ArrowDown', 'Enter', '1', '2', 'Enter']) {
+      await page.keyboard.press(key);
+    }
+    await page.waitForFunction(() => document.querySelectorAll('#display .field-text')
+      .item(4)?.textContent.length === 2);
+    for (const key of ['ArrowUp', 'ArrowUp', 'ArrowUp', 'ArrowUp']) {
+      await page.keyboard.press(key);
+    }
+    await page.waitForFunction(() => document.querySelector('#display .item.focused .item-label')
+      ?.textContent === 'Options');
+    await page.keyboard.press('Enter');
+    await waitForDisplay(page, 'The server received');
+    const text = await displayText(page);
+    assert.match(text, /name = Ann<b>/);
+    assert.equal(await page.locator('#display b').count(), 0, 'text from the phone never becomes markup');
+    assert.match(text, /pin = 12/);
+    assert.equal(textPosts.map((body) => JSON.parse(body).text).join(''), 'Ann<b>');
+    await shot(page, '06-form-sent');
+  });
+
+  test('an alert stands over the dimmed menu and Back takes it away', async () => {
+    await page.keyboard.press('Escape');
+    await waitForDisplay(page, 'PIN again');
+    await page.keyboard.press('Escape');
+    await waitForDisplay(page, 'Show an alert');
+    await page.keyboard.press('ArrowDown');
+    await page.keyboard.press('ArrowDown');
+    await page.keyboard.press('Enter');
+    const alert = page.locator('#display .overlay .popup-alert');
+    await alert.waitFor({ timeout: WAIT_MS });
+    assert.match(await alert.innerText(), /Hello[\s\S]*closes itself/);
+    assert.equal(await page.locator('#display .title').first().innerText(), 'AGP demo', 'the menu stays under it');
+    await shot(page, '07-alert');
+    await press(page, 'back');
+    await alert.waitFor({ state: 'detached', timeout: WAIT_MS });
+  });
+
+  test('a change on the phone is on the page within 100 ms', async () => {
+    const delays = [];
+    for (const key of ['up', 'down', 'up', 'down']) {
+      delays.push(await page.evaluate(async (name) => {
+        const display = document.getElementById('display');
+        const before = display.dataset.revision;
+        const shown = new Promise((resolve) => {
+          new MutationObserver((changes, observer) => {
+            if (display.dataset.revision !== before) {
+              observer.disconnect();
+              resolve(performance.now());
+            }
+          }).observe(display, { attributes: true, attributeFilter: ['data-revision'] });
+        });
+        await fetch('api/keys', { method: 'POST', body: JSON.stringify({ keys: [name] }) });
+        // The key's answer comes once the display has settled: the change is made by then.
+        const changed = performance.now();
+        return (await shown) - changed;
+      }, key));
+    }
+    assert.equal(await focusedRowText(page), 'Show an alert');
+    delays.sort((a, b) => a - b);
+    assert.ok(delays[1] < 100, `delays from change to page: ${delays.map(Math.round).join(', ')} ms`);
+  });
+
+  test('the screen is copied as text and saved as a PNG of the display', async () => {
+    await browser.context.grantPermissions(['clipboard-read', 'clipboard-write']);
+    await page.locator('#copy-text').click();
+    await page.locator('#toolbar-status', { hasText: 'Copied' }).waitFor({ timeout: WAIT_MS });
+    const copied = await page.evaluate(() => navigator.clipboard.readText());
+    assert.match(copied, /== AGP demo ==\n(.*\n)*> Show an alert/);
+
+    const [download] = await Promise.all([page.waitForEvent('download'), page.locator('#save-png').click()]);
+    const file = path.join(SCREENSHOTS, '08-saved-display.png');
+    await download.saveAs(file);
+    const png = fs.readFileSync(file);
+    assert.equal(png.subarray(1, 4).toString(), 'PNG');
+    const model = await page.evaluate(() => [document.getElementById('display').style.getPropertyValue('--w'),
+      document.getElementById('display').style.getPropertyValue('--h')].map(Number));
+    assert.deepEqual([png.readUInt32BE(16), png.readUInt32BE(20)], model.map((size) => size * 2),
+      'twice the display resolution');
+  });
+
+  test('the log filters by module and by level; a push is listed', async () => {
+    await page.locator('#tab-log').click();
+    const lines = page.locator('#log .log-line');
+    await lines.first().waitFor({ timeout: WAIT_MS });
+    const all = await lines.count();
+    await page.locator('#log-level').selectOption('4');
+    const levels = await page.locator('#log .log-level').allInnerTexts();
+    assert.ok(levels.length < all, 'detailed trace hidden at level 4');
+    assert.ok(levels.every((level) => ['fatal', 'error', 'warning', 'info'].includes(level)));
+    await page.locator('#log-level').selectOption('6');
+    await page.locator('#log-module').selectOption('AGPGUIHandler');
+    const modules = await page.locator('#log .log-module').allInnerTexts();
+    assert.ok(modules.length > 0 && modules.every((module) => module === 'AGPGUIHandler'));
+    await shot(page, '09-log');
+
+    await page.keyboard.press('ArrowDown');
+    await page.keyboard.press('Enter');
+    await waitForDisplay(page, 'pushed this screen');
+    await page.locator('#tab-pushes').click();
+    const push = page.locator('#pushes .push').first();
+    await push.waitFor({ timeout: WAIT_MS });
+    assert.match(await push.innerText(), /accepted[\s\S]*via demo server/);
+    await shot(page, '10-pushed');
+    assert.deepEqual(page.problems, []);
+  });
+});
+
+describe('the small phone without soft keys', () => {
+  test('# opens the options of the list over it, the App key shows the application again, and the page fits a narrow window at 200%', async () => {
+    const page = await openPage(small);
+    await waitForDisplay(page, 'Pick colours');
+    assert.equal(await page.locator('#softkeys').isHidden(), true);
+    assert.equal(await page.locator('#display .softkey-bar').count(), 0);
+    await page.keyboard.press('Enter');
+    await waitForDisplay(page, 'Yellow');
+    await page.keyboard.press('#');
+    const menu = page.locator('#display .overlay .popup');
+    await menu.waitFor({ timeout: WAIT_MS });
+    assert.match(await menu.innerText(), /Send[\s\S]*Back/);
+    await shot(page, '11-small-options');
+    await page.keyboard.press('Escape');
+    await menu.waitFor({ state: 'detached', timeout: WAIT_MS });
+
+    await fetch(new URL('api/application', small.pageUrl), { method: 'POST', body: '{"action": "hide"}' });
+    await waitForDisplay(page, 'Application hidden');
+    await press(page, 'application');
+    await waitForDisplay(page, 'Yellow');
+
+    const cdp = await browser.context.newCDPSession(page);
+    await cdp.send('Emulation.setDeviceMetricsOverride', { width: 400, height: 900, deviceScaleFactor: 2, mobile: false });
+    const phone = await page.locator('.phone').boundingBox();
+    const panel = await page.locator('.devpanel').boundingBox();
+    assert.ok(panel.y >= phone.y + phone.height, 'the panel goes under the phone');
+    assert.ok(phone.x >= 0 && phone.x + phone.width <= 400, 'the phone fits the window');
+    // Taken through the same session: a page screenshot would undo the emulated zoom.
+    const { data } = await cdp.send('Page.captureScreenshot', { format: 'png', captureBeyondViewport: true });
+    fs.writeFileSync(path.join(SCREENSHOTS, '12-small-narrow-200.png'), Buffer.from(data, 'base64'));
+    assert.deepEqual(page.problems, []);
+    await page.close();
+  });
+});
+
+// Widgets the demo does not show, drawn from a snapshot of the documented shape on a page of its own.
+const OTHER_WIDGETS = {
+  revision: 1, shown: true, keypad: { sending: true }, popup: null, softKeys: ['Save', '', '', ''],
+  model: { name: 'desk phone', softKeyBar: true, softKeys: 4, width: 320, height: 240, visibleLines: 6 },
+  tabBar: { labels: ['Mail', 'Calls', 'Tools'], current: 1, active: false, leftUpwards: false },
+  screen: {
+    kind: 'form', ownerId: 7, title: 'Settings', ticker: 'Ticker news', commands: ['Save'], highlight: true,
+    menu: null, proportion: 1, focus: 1,
+    items: [
+      { kind: 'imageItem', ownerId: 8, label: 'Logo', focusable: false, focused: false, altText: 'logo',
+        arrow: false, informsOnOk: false, image: { id: 3, kind: 'png', width: 40, height: 20 } },
+      { kind: 'choiceGroup', ownerId: 9, label: 'Ring', focusable: true, focused: true, choiceType: 'exclusive',
+        row: 1, choices: [{ text: 'Loud', selected: false, image: null }, { text: 'Soft', selected: true, image: null }] },
+      { kind: 'slider', ownerId: 10, label: 'Volume', focusable: true, focused: false, min: 0, max: 10, value: 5,
+        interval: 1, automatic: false },
+    ],
+  },
+};
+
+test('a tab bar, a ticker, choices, a slider and an image placeholder are drawn from a snapshot', async () => {
+  const page = await openPage(small);
+  await page.locator('#display[data-revision]').waitFor({ timeout: WAIT_MS });
+  const drawn = await page.evaluate(async (snapshot) => {
+    const { renderDisplay } = await import('./display.js');
+    const display = document.createElement('div');
+    display.className = 'display';
+    display.style.setProperty('--scale', '1');
+    document.body.prepend(display);
+    renderDisplay(display, snapshot);
+    const text = (selector) => Array.from(display.querySelectorAll(selector), (node) => node.textContent);
+    const image = display.querySelector('.image').getBoundingClientRect();
+    return {
+      tabs: text('.tab'), current: text('.tab.current'), ticker: text('.ticker'), focused: text('.focused'),
+      marks: text('.choice .mark'), slider: display.querySelector('.slider-fill').style.width,
+      image: [image.width, image.height], softKeys: text('.softkey-label'),
+    };
+  }, OTHER_WIDGETS);
+  assert.deepEqual(drawn.tabs, ['Mail', 'Calls', 'Tools']);
+  assert.deepEqual(drawn.current, ['Calls']);
+  assert.deepEqual(drawn.ticker, ['Ticker news']);
+  assert.deepEqual(drawn.focused, ['◉Soft'], 'the focused choice row, not the whole group');
+  assert.deepEqual(drawn.marks, ['○', '◉']);
+  assert.equal(drawn.slider, '50%');
+  assert.deepEqual(drawn.image, [40, 20], 'a placeholder of the picture\'s size');
+  assert.deepEqual(drawn.softKeys, ['Save', '', '', '']);
+  await page.locator('body > .display').screenshot({ path: path.join(SCREENSHOTS, '13-other-widgets.png') });
+  await page.close();
+});
