@@ -1,4 +1,5 @@
-// From a key press to the next screen on the display, through the whole phone and a loopback server.
+// From a key press to the next screen on the display (and to the web page's event stream), through
+// the whole phone and a loopback server.
 #include <benchmark/benchmark.h>
 #include <expat.h>
 #include <httplib.h>
@@ -7,11 +8,15 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <functional>
+#include <memory>
 #include <mutex>
 #include <nlohmann/json.hpp>
 #include <thread>
 
+#include "ControlApi.h"
 #include "EmulatedPhone.h"
+#include "PhoneJournal.h"
 
 namespace {
 
@@ -53,56 +58,69 @@ std::string currentTitle(DisplayAPI::Display& display) {
                : "";
 }
 
-// Serves a new document per request; a soft key on each screen asks for the next one, whose
-// title carries the next number.
-void pressForNextScreens(benchmark::State& state, std::string (*makeDocument)(int, int),
-                         const std::string& prefix, const std::string& program) {
-    httplib::Server server;
-    std::atomic<int> pages{0};
-    server.set_tcp_nodelay(true); // before the listening socket exists, or it does not apply
-    int port = server.bind_to_any_port("127.0.0.1");
-    server.Get(".*", [&](const httplib::Request&, httplib::Response& response) {
-        response.set_content(makeDocument(++pages, port), "application/octet-stream");
-    });
-    std::thread listener([&] { server.listen_after_bind(); });
-    while (!server.is_running()) {
-        std::this_thread::yield();
+// A loopback application server that serves a new document per request, and the phone with the
+// plug-in loaded against it. A soft key on each screen asks for the next document, whose title
+// carries the next number.
+class BenchRig {
+public:
+    BenchRig(std::string (*makeDocument)(int, int), const std::string& program) {
+        mServer.set_tcp_nodelay(true); // before the listening socket exists, or it does not apply
+        const int port = mServer.bind_to_any_port("127.0.0.1");
+        mServer.Get(".*", [this, makeDocument, port](const httplib::Request&, httplib::Response& response) {
+            response.set_content(makeDocument(++mPages, port), "application/octet-stream");
+        });
+        mListener = std::thread([this] { mServer.listen_after_bind(); });
+        while (!mServer.is_running()) {
+            std::this_thread::yield();
+        }
+        PhoneOptions options;
+        options.applicationName = "Bench-" + std::to_string(port);
+        mPhone.reset(new EmulatedPhone(options));
+        mPhone->configuration().setValues({{"app-name-1", options.applicationName},
+                                           {"server-addr-1", "127.0.0.1"},
+                                           {"server-port-1", std::to_string(port)},
+                                           {"transport-1", "http"},
+                                           {"program-name-1", program},
+                                           {"num-tabs-1", "0"},
+                                           {"ipaddress", "127.0.0.1"},
+                                           {"ip-protocol-mode", "IPv4"}});
+    }
+    ~BenchRig() {
+        mPhone->stop();
+        mServer.stop();
+        mListener.join();
     }
 
-    PhoneOptions options;
-    options.applicationName = "Bench-" + std::to_string(port);
-    EmulatedPhone phone(options);
-    phone.configuration().setValues({{"app-name-1", options.applicationName},
-                                     {"server-addr-1", "127.0.0.1"},
-                                     {"server-port-1", std::to_string(port)},
-                                     {"transport-1", "http"},
-                                     {"program-name-1", program},
-                                     {"num-tabs-1", "0"},
-                                     {"ipaddress", "127.0.0.1"},
-                                     {"ip-protocol-mode", "IPv4"}});
-    std::string error;
-    if (!phone.loadPhonelet(AGP_PLUGIN_PATH, error)) {
-        state.SkipWithError(error.c_str());
-        return;
+    EmulatedPhone& phone() { return *mPhone; }
+    int pages() const { return mPages; }
+
+private:
+    httplib::Server mServer;
+    std::atomic<int> mPages{0};
+    std::thread mListener;
+    std::unique_ptr<EmulatedPhone> mPhone;
+};
+
+void reportPercentiles(benchmark::State& state, std::vector<double>& micros) {
+    if (!micros.empty()) {
+        std::sort(micros.begin(), micros.end());
+        state.counters["median_us"] = micros[micros.size() / 2];
+        state.counters["p99_us"] = micros[std::min(micros.size() - 1, micros.size() * 99 / 100)];
     }
-    std::mutex mutex;
-    std::condition_variable changed;
-    phone.display().setChangeListener([&] { changed.notify_all(); });
-    phone.start();
-    auto waitForTitle = [&](const std::string& title) {
-        std::unique_lock<std::mutex> lock(mutex);
-        return changed.wait_for(lock, std::chrono::seconds(10),
-                                [&] { return currentTitle(phone.display()) == title; });
-    };
+}
+
+// Presses the soft key once per iteration; `waitForTitle` tells when the next title has arrived.
+void pressForNextScreens(benchmark::State& state, BenchRig& rig, const std::string& prefix,
+                         const std::function<bool(const std::string&)>& waitForTitle) {
     if (!waitForTitle(prefix + "1")) {
         state.SkipWithError("the first page did not appear");
         return;
     }
     std::vector<double> micros;
     for (auto _ : state) {
-        const std::string next = prefix + std::to_string(pages + 1);
+        const std::string next = prefix + std::to_string(rig.pages() + 1);
         const auto start = std::chrono::steady_clock::now();
-        phone.display().pressKey(DisplayAPI::Key::SoftKey1);
+        rig.phone().display().pressKey(DisplayAPI::Key::SoftKey1);
         if (!waitForTitle(next)) {
             state.SkipWithError("the next page did not appear");
             break;
@@ -110,15 +128,33 @@ void pressForNextScreens(benchmark::State& state, std::string (*makeDocument)(in
         micros.push_back(
             std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start).count());
     }
-    if (!micros.empty()) {
-        std::sort(micros.begin(), micros.end());
-        state.counters["median_us"] = micros[micros.size() / 2];
-        state.counters["p99_us"] = micros[std::min(micros.size() - 1, micros.size() * 99 / 100)];
-    }
-    phone.stop();
-    server.stop();
-    listener.join();
+    reportPercentiles(state, micros);
 }
+
+// The display's change notices wake the wait; the notice takes the lock so that none is lost
+// between a look at the title and the wait.
+void pressForNextScreens(benchmark::State& state, std::string (*makeDocument)(int, int),
+                         const std::string& prefix, const std::string& program) {
+    BenchRig rig(makeDocument, program);
+    std::string error;
+    if (!rig.phone().loadPhonelet(AGP_PLUGIN_PATH, error)) {
+        state.SkipWithError(error.c_str());
+        return;
+    }
+    std::mutex mutex;
+    std::condition_variable changed;
+    rig.phone().display().setChangeListener([&] {
+        std::lock_guard<std::mutex> lock(mutex);
+        changed.notify_all();
+    });
+    rig.phone().start();
+    pressForNextScreens(state, rig, prefix, [&](const std::string& title) {
+        std::unique_lock<std::mutex> lock(mutex);
+        return changed.wait_for(lock, std::chrono::seconds(10),
+                                [&] { return currentTitle(rig.phone().display()) == title; });
+    });
+}
+
 void BM_KeyPressToNextScreen(benchmark::State& state) {
     pressForNextScreens(state, pageDocument, "Page ", "page");
 }
@@ -129,6 +165,49 @@ void BM_KeyPressToFiveScreenFormDocument(benchmark::State& state) {
     pressForNextScreens(state, formDocument, "Form ", "form");
 }
 BENCHMARK(BM_KeyPressToFiveScreenFormDocument)->Iterations(300)->UseRealTime()->Unit(benchmark::kMicrosecond);
+
+// The same key press as the web page sees it: until the event stream of the control API has
+// delivered the screen event with the next title to a client on loopback.
+void BM_KeyPressToEventStream(benchmark::State& state) {
+    BenchRig rig(pageDocument, "page");
+    PhoneJournal journal;
+    std::string error;
+    if (!rig.phone().loadPhonelet(AGP_PLUGIN_PATH, error)) {
+        state.SkipWithError(error.c_str());
+        return;
+    }
+    rig.phone().display().setChangeListener([&] { journal.screenChanged(); });
+    ControlApi control(rig.phone(), journal, rig.phone().context().getApplicationName());
+    if (!control.start("127.0.0.1", 0, error)) {
+        state.SkipWithError(error.c_str());
+        return;
+    }
+    std::mutex mutex;
+    std::condition_variable arrived;
+    std::string received;
+    httplib::Client client("127.0.0.1", control.port());
+    std::thread reader([&] {
+        client.Get("/api/events", [&](const char* data, size_t length) {
+            std::lock_guard<std::mutex> lock(mutex);
+            received.append(data, length);
+            arrived.notify_all();
+            return true;
+        });
+    });
+    rig.phone().start();
+    pressForNextScreens(state, rig, "Page ", [&](const std::string& title) {
+        std::unique_lock<std::mutex> lock(mutex);
+        const std::string wanted = "\"title\":\"" + title + "\"";
+        const bool seen = arrived.wait_for(lock, std::chrono::seconds(10),
+                                           [&] { return received.find(wanted) != std::string::npos; });
+        received.clear(); // what came before is done with; later searches stay short
+        return seen;
+    });
+    client.stop();
+    reader.join();
+    control.stop();
+}
+BENCHMARK(BM_KeyPressToEventStream)->Iterations(500)->UseRealTime()->Unit(benchmark::kMicrosecond);
 
 void emptyStart(void*, const char*, const char**) {}
 void emptyEnd(void*, const char*) {}

@@ -2,15 +2,24 @@
 #include "PhoneJournal.h"
 
 #include <ctime>
+#include <iterator>
 
 namespace {
 
+// Entries are kept in sequence order, so the new ones are found from the back.
+std::deque<nlohmann::json>::const_iterator firstAfter(const std::deque<nlohmann::json>& entries,
+                                                      std::uint64_t after) {
+    auto first = entries.end();
+    while (first != entries.begin() && std::prev(first)->at("sequence").get<std::uint64_t>() > after) {
+        --first;
+    }
+    return first;
+}
+
 nlohmann::json entriesAfter(const std::deque<nlohmann::json>& entries, std::uint64_t after) {
     nlohmann::json result = nlohmann::json::array();
-    for (const nlohmann::json& entry : entries) {
-        if (entry["sequence"].get<std::uint64_t>() > after) {
-            result.push_back(entry);
-        }
+    for (auto entry = firstAfter(entries, after); entry != entries.end(); ++entry) {
+        result.push_back(*entry);
     }
     return result;
 }
@@ -98,10 +107,9 @@ nlohmann::json PhoneJournal::pushes(std::uint64_t after) const {
 nlohmann::json PhoneJournal::logLines(std::uint64_t after, const std::string& module, int maxLevel) const {
     nlohmann::json result = nlohmann::json::array();
     std::lock_guard<std::mutex> lock(mMutex);
-    for (const nlohmann::json& line : mLogLines) {
-        if (line["sequence"].get<std::uint64_t>() > after && line["level"].get<int>() <= maxLevel &&
-            (module.empty() || line["module"] == module)) {
-            result.push_back(line);
+    for (auto line = firstAfter(mLogLines, after); line != mLogLines.end(); ++line) {
+        if ((*line)["level"].get<int>() <= maxLevel && (module.empty() || (*line)["module"] == module)) {
+            result.push_back(*line);
         }
     }
     return result;
