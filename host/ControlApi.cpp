@@ -184,9 +184,10 @@ void ControlApi::addRoutes() {
                              lastId.find_first_not_of("0123456789") == std::string::npos;
         auto stream = std::make_shared<EventStream>(mPhone, mJournal, numeric ? std::stoull(lastId) : 0);
         response.set_header("Cache-Control", "no-store");
-        response.set_chunked_content_provider("text/event-stream", [stream](size_t, httplib::DataSink& sink) {
-            return stream->writeNews(sink, std::chrono::seconds(1));
-        });
+        response.set_chunked_content_provider(
+            "text/event-stream", [this, stream](size_t, httplib::DataSink& sink) {
+                return !mStopping && stream->writeNews(sink, std::chrono::seconds(1));
+            });
     });
     server.Post("/api/application", [this](const httplib::Request& request, httplib::Response& response) {
         Json body;

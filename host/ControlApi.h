@@ -30,7 +30,7 @@ public:
     // Set by POST /api/quit; the program ends when it sees it.
     bool quitRequested() const { return mQuit; }
 
-    // Serves the web page's files from `folder` at "/". False when the folder has no index.html.
+    // Serves the web page's files from `folder` at "/"; before start. False without an index.html.
     bool serveWebPage(const std::string& folder);
     // Lets a front end serve its own routes on the same listener.
     httplib::Server& server() { return *mServer; }

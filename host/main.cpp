@@ -215,6 +215,10 @@ int main(int argc, char** argv) {
     EmulatedPhone phone(options);
     phone.http().setTrafficObserver(
         std::shared_ptr<HttpTrafficObserver>(&journal, [](HttpTrafficObserver*) {}));
+    watchScreen(phone, journal, arguments.render == "text");
+    phone.setPushObserver([&journal](const std::string& via, const std::string& data, const std::string& app,
+                                     int type,
+                                     int result) { journal.pushReceived(via, data, app, type, result); });
     for (const auto& value : configuration.databaseValues()) {
         phone.configuration().setValue(value.first, value.second);
     }
@@ -227,19 +231,15 @@ int main(int argc, char** argv) {
         return fail(1, problem);
     }
     ControlApi control(phone, journal, application);
-    if (arguments.http != "off" && !control.start(httpHost, httpPort, problem)) {
-        phone.stop();
-        return fail(1, "--http: " + problem);
-    }
-    watchScreen(phone, journal, arguments.render == "text");
-    phone.setPushObserver([&journal](const std::string& via, const std::string& data, const std::string& app,
-                                     int type,
-                                     int result) { journal.pushReceived(via, data, app, type, result); });
     const std::string webFolder = findDataFolder("web", "web", "index.html");
     const bool webPage = arguments.http != "off" && !arguments.headless && control.serveWebPage(webFolder);
     if (arguments.http != "off" && !arguments.headless && !webPage) {
         std::cerr << "agp-phone: no web page in " << webFolder
                   << " (index.html missing); the control API runs alone\n";
+    }
+    if (arguments.http != "off" && !control.start(httpHost, httpPort, problem)) {
+        phone.stop();
+        return fail(1, "--http: " + problem);
     }
     demoServer.setPhone(&phone, application);
     StartupErrors startupErrors;
