@@ -24,7 +24,9 @@ for _ in $(seq 100); do
 done
 [ -n "$page" ] || { echo "no web page address printed:"; cat "$out"; exit 1; }
 
-curl -sf "$page" | grep -q "<title>installed copy " || { echo "the web page is not the installed one"; exit 1; }
+# Read whole before looking: grep -q leaving early would fail curl's write under pipefail.
+index=$(curl -sf "$page")
+case $index in *"<title>installed copy "*) ;; *) echo "the web page is not the installed one"; exit 1 ;; esac
 text=""
 for _ in $(seq 100); do
     text=$(curl -sf "${page}api/screen/text")
