@@ -1,6 +1,7 @@
 // The presentation core: the one object that drives the widget library for the whole application.
 #pragma once
 
+#include <atomic>
 #include <map>
 #include <string>
 #include <vector>
@@ -163,8 +164,10 @@ private:
     AGPCommandListener* mCommandListener;
     AGPMenuCommandListener* mMenuCommandListener;
     AGPItemStateListener* mItemStateListener;
-    // Identifiers rather than pointers: a cached screen may be destroyed by a cleanup.
-    AGPId mCurrentScreen[QUEUE_COUNT];
+    // Identifiers rather than pointers: a cached screen may be destroyed by a cleanup. Written by
+    // the queue threads that install documents and read by the life-cycle calls on the host's
+    // thread without the GUI lock, hence atomic.
+    std::atomic<AGPId> mCurrentScreen[QUEUE_COUNT];
     PhoneletManagerIfc* mPhoneletManager;
     std::string mDateFormat;
     std::string mTimeFormat;
