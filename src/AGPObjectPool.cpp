@@ -40,7 +40,7 @@ AGPTime* AGPObjectPool::mpAGPTime_PARSE_FAILED = nullptr;
 
 namespace {
 
-const char* const kParseFailed = "PARSE_FAILED";
+const char* const kParseFailed = AGPObjectPool::kParseFailedText;
 
 template <typename Value> void deletePoolObject(Value*& object) {
     delete object;

@@ -1,6 +1,8 @@
 // The shared fallback values: "PARSE_FAILED" objects and the predefined defaults.
 #pragma once
 
+#include <string>
+
 class AGPDate;
 class AGPDateKey;
 class AGPDefault;
@@ -24,6 +26,29 @@ class AGPObjectPool {
 public:
     static void initPool();
     static void shutdownPool();
+
+    // The text of every "PARSE_FAILED" object.
+    static constexpr const char* kParseFailedText = "PARSE_FAILED";
+
+    // Whether `value` equals the pooled object `pooled`. Before the pool exists (`pooled` null)
+    // its objects cannot be compared, and `text` stands in for them.
+    template <typename Value>
+    static bool isPooled(const Value& value, const Value* pooled, const char* text = kParseFailedText) {
+        return pooled != nullptr ? value == *pooled : value.getValueText() == text;
+    }
+
+    // Replaces `slot` by the colour parsed from `text`; false when it did not parse: it equals
+    // `failed`, or, before the pool exists, its colour type reads "PARSE_FAILED".
+    template <typename Color>
+    static bool replaceColor(Color*& slot, std::string& text, Color* (*parse)(std::string&),
+                             const Color* failed) {
+        delete slot;
+        slot = parse(text);
+        if (failed != nullptr) {
+            return !(*slot == *failed);
+        }
+        return slot->getColourType() == nullptr || slot->getColourType()->getValueText() != kParseFailedText;
+    }
 
     static AGPKey* getAGPKey_PARSE_FAILED() { return mpAGPKEY_PARSE_FAILED; }
     static AGPValue* getAGPValue_PARSE_FAILED() { return mpAGPVALUE_PARSE_FAILED; }

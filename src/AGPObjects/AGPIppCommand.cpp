@@ -16,8 +16,6 @@
 
 namespace {
 
-const char* const kParseFailed = "PARSE_FAILED";
-
 // A bad or negative number counts as 0, like a missing attribute.
 std::uint32_t parseCount(const std::string& text) {
     int number = 0;
@@ -27,15 +25,12 @@ std::uint32_t parseCount(const std::string& text) {
     return static_cast<std::uint32_t>(number);
 }
 
-// Before the pool exists its fallback objects cannot be compared; their text stands in for them.
 bool keyFailed(const AGPKey* key) {
-    const AGPKey* failed = AGPObjectPool::getAGPKey_PARSE_FAILED();
-    return failed != nullptr ? *key == *failed : key->getValueText() == kParseFailed;
+    return AGPObjectPool::isPooled(*key, AGPObjectPool::getAGPKey_PARSE_FAILED());
 }
 
 bool valueFailed(const AGPValue* value) {
-    const AGPValue* failed = AGPObjectPool::getAGPValue_PARSE_FAILED();
-    return failed != nullptr ? *value == *failed : value->getValueText() == kParseFailed;
+    return AGPObjectPool::isPooled(*value, AGPObjectPool::getAGPValue_PARSE_FAILED());
 }
 
 struct TypeEntry {

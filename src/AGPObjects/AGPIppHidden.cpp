@@ -35,8 +35,7 @@ bool AGPIppHidden::addAttribute(std::string& name, std::string& value) {
         delete mKey;
         mKey = AGPKey::parseAGPKey(value);
         // Before the pool exists its fallback object cannot be compared; its text stands in for it.
-        const AGPKey* failed = AGPObjectPool::getAGPKey_PARSE_FAILED();
-        mKeyGiven = failed != nullptr ? *mKey != *failed : mKey->getValueText() != "PARSE_FAILED";
+        mKeyGiven = !AGPObjectPool::isPooled(*mKey, AGPObjectPool::getAGPKey_PARSE_FAILED());
         return mKeyGiven;
     }
     return false;

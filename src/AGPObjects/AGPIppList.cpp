@@ -32,8 +32,6 @@
 
 namespace {
 
-const char* const kParseFailed = "PARSE_FAILED";
-
 bool hasSoftKeyBar() {
     AGPGUIHandler* gui = AGPPhoneletManager::findAGPGUIHandler();
     return gui != nullptr && gui->getDisplay() != nullptr && gui->getDisplay()->hasSoftKeyBar() != 0;
@@ -42,17 +40,6 @@ bool hasSoftKeyBar() {
 DisplayAPI::CommandListener* menuListener() {
     AGPGUIHandler* gui = AGPPhoneletManager::findAGPGUIHandler();
     return gui != nullptr ? gui->getMenuCommandListener() : nullptr;
-}
-
-// Before the pool exists its fallback colours cannot be compared; their text stands in for them.
-template <typename Color>
-bool replaceColor(Color*& slot, std::string& text, Color* (*parse)(std::string&), const Color* failed) {
-    delete slot;
-    slot = parse(text);
-    if (failed != nullptr) {
-        return !(*slot == *failed);
-    }
-    return slot->getColourType() == nullptr || slot->getColourType()->getValueText() != kParseFailed;
 }
 
 bool isPopupType(AGPIppCommand::AGPType type) {
@@ -128,20 +115,20 @@ bool AGPIppList::addAttribute(std::string& name, std::string& value) {
         return true;
     }
     if (name == "FColor") {
-        return replaceColor(mFColor, value, &AGPFColor::parseAGPFColor,
-                            AGPObjectPool::getAGPFColor_PARSE_FAILED());
+        return AGPObjectPool::replaceColor(mFColor, value, &AGPFColor::parseAGPFColor,
+                                           AGPObjectPool::getAGPFColor_PARSE_FAILED());
     }
     if (name == "TColor") {
-        return replaceColor(mTColor, value, &AGPTColor::parseAGPTColor,
-                            AGPObjectPool::getAGPTColor_PARSE_FAILED());
+        return AGPObjectPool::replaceColor(mTColor, value, &AGPTColor::parseAGPTColor,
+                                           AGPObjectPool::getAGPTColor_PARSE_FAILED());
     }
     if (name == "SFColor") {
-        return replaceColor(mSFColor, value, &AGPSFColor::parseAGPSFColor,
-                            AGPObjectPool::getAGPSFColor_PARSE_FAILED());
+        return AGPObjectPool::replaceColor(mSFColor, value, &AGPSFColor::parseAGPSFColor,
+                                           AGPObjectPool::getAGPSFColor_PARSE_FAILED());
     }
     if (name == "STColor") {
-        return replaceColor(mSTColor, value, &AGPSTColor::parseAGPSTColor,
-                            AGPObjectPool::getAGPSTColor_PARSE_FAILED());
+        return AGPObjectPool::replaceColor(mSTColor, value, &AGPSTColor::parseAGPSTColor,
+                                           AGPObjectPool::getAGPSTColor_PARSE_FAILED());
     }
     return false;
 }

@@ -27,13 +27,6 @@
 
 namespace {
 
-const char* const kParseFailed = "PARSE_FAILED";
-
-// Before the pool exists its objects cannot be compared; their text stands in for them.
-bool defaultIs(const AGPDefault* value, const AGPDefault* pooled, const char* text) {
-    return pooled != nullptr ? *value == *pooled : value->getValueText() == text;
-}
-
 AGPDefault* newDefault() {
     const AGPDefault* pooled = AGPObjectPool::getAGPDefault_NULL();
     return pooled != nullptr ? new AGPDefault(*pooled) : new AGPDefault("NULL");
@@ -93,13 +86,12 @@ bool AGPIppTextBox::addAttribute(std::string& name, std::string& value) {
     if (name == "Default") {
         delete mDefault;
         mDefault = AGPDefault::parseAGPDefault(value);
-        return !defaultIs(mDefault, AGPObjectPool::getAGPDefault_PARSE_FAILED(), kParseFailed);
+        return !AGPObjectPool::isPooled(*mDefault, AGPObjectPool::getAGPDefault_PARSE_FAILED());
     }
     if (name == "Key") {
         delete mKey;
         mKey = AGPKey::parseAGPKey(value);
-        const AGPKey* failed = AGPObjectPool::getAGPKey_PARSE_FAILED();
-        return failed != nullptr ? *mKey != *failed : mKey->getValueText() != kParseFailed;
+        return !AGPObjectPool::isPooled(*mKey, AGPObjectPool::getAGPKey_PARSE_FAILED());
     }
     return false;
 }
@@ -284,12 +276,13 @@ void AGPIppTextBox::createAndInitDisplayElements2ndRound(std::string& text) {
 
 std::string AGPIppTextBox::getTextFromXml() {
     std::string text;
-    if (defaultIs(mDefault, AGPObjectPool::getAGPDefault_TEXT(), "TEXT")) {
+    if (AGPObjectPool::isPooled(*mDefault, AGPObjectPool::getAGPDefault_TEXT(), "TEXT")) {
         AGPCommonBase* child = getChildByType(AGPObjectTypeInfo::ti_Text);
         if (child != nullptr) {
             text = child->getContent();
         }
-    } else if (defaultIs(mDefault, AGPObjectPool::getAGPDefault_PHONENUMBER(), "PHONENUMBER")) {
+    } else if (AGPObjectPool::isPooled(*mDefault, AGPObjectPool::getAGPDefault_PHONENUMBER(),
+                                       "PHONENUMBER")) {
         AGPDataObserver* configuration = AGPPhoneletManager::findAGPDataObserver();
         if (configuration != nullptr) {
             text = configuration->getSubscriberNumber();

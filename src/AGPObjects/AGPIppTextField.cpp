@@ -17,16 +17,9 @@
 
 namespace {
 
-const char* const kParseFailed = "PARSE_FAILED";
-
-// Before the pool exists its objects cannot be compared; their text stands in for them.
-bool defaultIs(const AGPDefault* value, const AGPDefault* pooled, const char* text) {
-    return pooled != nullptr ? *value == *pooled : value->getValueText() == text;
-}
-
 AGPDefault* newParseFailedDefault() {
     const AGPDefault* pooled = AGPObjectPool::getAGPDefault_PARSE_FAILED();
-    return pooled != nullptr ? new AGPDefault(*pooled) : new AGPDefault(kParseFailed);
+    return pooled != nullptr ? new AGPDefault(*pooled) : new AGPDefault(AGPObjectPool::kParseFailedText);
 }
 
 } // namespace
@@ -64,8 +57,7 @@ bool AGPIppTextField::addAttribute(std::string& name, std::string& value) {
     if (name == "Key") {
         delete mKey;
         mKey = AGPKey::parseAGPKey(value);
-        const AGPKey* failed = AGPObjectPool::getAGPKey_PARSE_FAILED();
-        if (failed != nullptr ? *mKey != *failed : mKey->getValueText() != kParseFailed) {
+        if (!AGPObjectPool::isPooled(*mKey, AGPObjectPool::getAGPKey_PARSE_FAILED())) {
             return true;
         }
         // A key that failed to parse is sent as if none were given.
@@ -91,7 +83,7 @@ bool AGPIppTextField::addAttribute(std::string& name, std::string& value) {
     if (name == "Default") {
         delete mDefault;
         mDefault = AGPDefault::parseAGPDefault(value);
-        return !defaultIs(mDefault, AGPObjectPool::getAGPDefault_PARSE_FAILED(), kParseFailed);
+        return !AGPObjectPool::isPooled(*mDefault, AGPObjectPool::getAGPDefault_PARSE_FAILED());
     }
     return false;
 }
@@ -182,12 +174,13 @@ void AGPIppTextField::createAndInitDisplayElements(bool fromDocument) {
 
 std::string AGPIppTextField::getTextFromXml() {
     std::string text;
-    if (defaultIs(mDefault, AGPObjectPool::getAGPDefault_TEXT(), "TEXT")) {
+    if (AGPObjectPool::isPooled(*mDefault, AGPObjectPool::getAGPDefault_TEXT(), "TEXT")) {
         AGPCommonBase* child = getChildByType(AGPObjectTypeInfo::ti_Text);
         if (child != nullptr) {
             text = child->getContent();
         }
-    } else if (defaultIs(mDefault, AGPObjectPool::getAGPDefault_PHONENUMBER(), "PHONENUMBER")) {
+    } else if (AGPObjectPool::isPooled(*mDefault, AGPObjectPool::getAGPDefault_PHONENUMBER(),
+                                       "PHONENUMBER")) {
         AGPDataObserver* configuration = AGPPhoneletManager::findAGPDataObserver();
         if (configuration != nullptr) {
             text = configuration->getSubscriberNumber();

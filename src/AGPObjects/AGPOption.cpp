@@ -19,31 +19,7 @@
 #include "display/Image.h"
 #include "display/ListItem.h"
 
-namespace {
-
-const char* const kParseFailed = "PARSE_FAILED";
-
-// Before the pool exists its fallback objects cannot be compared; their text stands in for them.
-template <typename Element> bool textFailed(const Element* element, const Element* failed) {
-    return failed != nullptr ? *element == *failed : element->getValueText() == kParseFailed;
-}
-
-template <typename Color> bool colorFailed(const Color* color, const Color* failed) {
-    if (failed != nullptr) {
-        return *color == *failed;
-    }
-    return color->getColourType() != nullptr && color->getColourType()->getValueText() == kParseFailed;
-}
-
-// Replaces `slot` by the colour parsed from `text`; false when it did not parse.
-template <typename Color>
-bool replaceColor(Color*& slot, std::string& text, Color* (*parse)(std::string&), const Color* failed) {
-    delete slot;
-    slot = parse(text);
-    return !colorFailed(slot, failed);
-}
-
-} // namespace
+namespace {} // namespace
 
 AGPOption::AGPOption()
     : mOptionTextCount(1, 3), mImageCount(0, 1), mID(0), mSelected(SELECTED_NOT_GIVEN), mSelectedGiven(false),
@@ -81,13 +57,13 @@ bool AGPOption::addAttribute(std::string& name, std::string& value) {
         delete mKey;
         mKey = AGPKey::parseAGPKey(value);
         mKeyGiven = true;
-        return !textFailed(mKey, AGPObjectPool::getAGPKey_PARSE_FAILED());
+        return !AGPObjectPool::isPooled(*mKey, AGPObjectPool::getAGPKey_PARSE_FAILED());
     }
     if (name == "Value") {
         delete mValue;
         mValue = AGPValue::parseAGPValue(value);
         mValueGiven = true;
-        return !textFailed(mValue, AGPObjectPool::getAGPValue_PARSE_FAILED());
+        return !AGPObjectPool::isPooled(*mValue, AGPObjectPool::getAGPValue_PARSE_FAILED());
     }
     if (name == "Selected") {
         mSelected = value == "TRUE" ? SELECTED_TRUE : value == "FALSE" ? SELECTED_FALSE : SELECTED_NOT_GIVEN;
@@ -100,20 +76,20 @@ bool AGPOption::addAttribute(std::string& name, std::string& value) {
         return true;
     }
     if (name == "FColor") {
-        return replaceColor(mFColor, value, &AGPFColor::parseAGPFColor,
-                            AGPObjectPool::getAGPFColor_PARSE_FAILED());
+        return AGPObjectPool::replaceColor(mFColor, value, &AGPFColor::parseAGPFColor,
+                                           AGPObjectPool::getAGPFColor_PARSE_FAILED());
     }
     if (name == "TColor") {
-        return replaceColor(mTColor, value, &AGPTColor::parseAGPTColor,
-                            AGPObjectPool::getAGPTColor_PARSE_FAILED());
+        return AGPObjectPool::replaceColor(mTColor, value, &AGPTColor::parseAGPTColor,
+                                           AGPObjectPool::getAGPTColor_PARSE_FAILED());
     }
     if (name == "SFColor") {
-        return replaceColor(mSFColor, value, &AGPSFColor::parseAGPSFColor,
-                            AGPObjectPool::getAGPSFColor_PARSE_FAILED());
+        return AGPObjectPool::replaceColor(mSFColor, value, &AGPSFColor::parseAGPSFColor,
+                                           AGPObjectPool::getAGPSFColor_PARSE_FAILED());
     }
     if (name == "STColor") {
-        return replaceColor(mSTColor, value, &AGPSTColor::parseAGPSTColor,
-                            AGPObjectPool::getAGPSTColor_PARSE_FAILED());
+        return AGPObjectPool::replaceColor(mSTColor, value, &AGPSTColor::parseAGPSTColor,
+                                           AGPObjectPool::getAGPSTColor_PARSE_FAILED());
     }
     return false;
 }
