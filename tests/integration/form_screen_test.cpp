@@ -1,31 +1,17 @@
 // Form screens on the emulated phone, driven by keys and typed text, against a loopback server.
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <functional>
 #include <nlohmann/json.hpp>
-#include <thread>
 
 #include "ApplicationServer.h"
 #include "EmulatedPhone.h"
+#include "PhoneScreens.h"
 
 namespace {
 
 using DisplayAPI::Key;
 using nlohmann::json;
-
-// The download file is named after the application, so tests that run at the same time use
-// names of their own.
-std::string uniqueApplicationName() {
-    std::string name =
-        std::string("Forms-") + ::testing::UnitTest::GetInstance()->current_test_info()->name();
-    for (char& c : name) {
-        if (c == '/') {
-            c = '-';
-        }
-    }
-    return name;
-}
 
 std::string field(const std::string& key, const std::string& label, const std::string& attributes = "",
                   const std::string& children = "") {
@@ -41,7 +27,7 @@ class FormScreen : public ::testing::TestWithParam<bool> {
 protected:
     void start(const std::string& form, const std::string& commands, int commandCount) {
         PhoneOptions options;
-        options.applicationName = uniqueApplicationName();
+        options.applicationName = uniqueApplicationName("Forms-");
         options.model.softKeyBar = GetParam();
         options.locale = "en";
         mPhone = std::make_unique<EmulatedPhone>(options);
@@ -50,16 +36,8 @@ protected:
                                               "</IppScreen></IppDisplay>");
         // An empty reply installs nothing, so the form stays on screen after a request.
         mServer.setDocument("/app/sent", "");
-        ASSERT_TRUE(mPhone->configuration().setValues({{"app-name-1", uniqueApplicationName()},
-                                                       {"server-addr-1", "127.0.0.1"},
-                                                       {"server-port-1", std::to_string(mServer.port())},
-                                                       {"transport-1", "http"},
-                                                       {"program-name-1", "app/start"},
-                                                       {"num-tabs-1", "0"},
-                                                       {"ipaddress", "192.0.2.55"},
-                                                       {"ip-protocol-mode", "IPv4"},
-                                                       {"currentPhoneNumber", "3100"},
-                                                       {"language", "en"}}));
+        ASSERT_TRUE(mPhone->configuration().setValues(
+            loopbackApplication(uniqueApplicationName("Forms-"), std::to_string(mServer.port()), "en")));
         std::string error;
         ASSERT_TRUE(mPhone->loadPhonelet(AGP_PLUGIN_PATH, error)) << error;
         mPhone->start();
@@ -69,18 +47,8 @@ protected:
 
     std::string url() const { return "http://127.0.0.1:" + std::to_string(mServer.port()) + "/app/sent"; }
 
-    // The phonelet reacts on its own thread; polls the display until `condition` holds.
     json waitFor(const std::function<bool(const json&)>& condition) {
-        json shot;
-        for (int i = 0; i < 500; ++i) {
-            mPhone->display().waitUntilSettled();
-            shot = mPhone->display().snapshot();
-            if (condition(shot)) {
-                break;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-        return shot;
+        return waitForScreen(*mPhone, condition);
     }
 
     json press(Key key, const std::function<bool(const json&)>& condition) {
@@ -90,10 +58,6 @@ protected:
 
     static std::function<bool(const json&)> focusIs(int index) {
         return [index](const json& s) { return s["screen"]["focus"] == index; };
-    }
-
-    static bool popupIs(const json& s, const std::string& kind) {
-        return s["popup"].is_object() && s["popup"]["kind"] == kind;
     }
 
     // Ok starts an edit, the text goes in, Ok finishes it and the element hears of it.

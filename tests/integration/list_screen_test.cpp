@@ -1,31 +1,17 @@
 // List screens on the emulated phone, driven by keys, against a loopback application server.
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <functional>
 #include <nlohmann/json.hpp>
-#include <thread>
 
 #include "ApplicationServer.h"
 #include "EmulatedPhone.h"
+#include "PhoneScreens.h"
 
 namespace {
 
 using DisplayAPI::Key;
 using nlohmann::json;
-
-// The download file is named after the application, so tests that run at the same time use
-// names of their own.
-std::string uniqueApplicationName() {
-    std::string name =
-        std::string("Lists-") + ::testing::UnitTest::GetInstance()->current_test_info()->name();
-    for (char& c : name) {
-        if (c == '/') {
-            c = '-';
-        }
-    }
-    return name;
-}
 
 std::string option(const std::string& key, const std::string& value, const std::string& selected,
                    const std::string& texts) {
@@ -41,7 +27,7 @@ class ListScreen : public ::testing::TestWithParam<bool> {
 protected:
     static PhoneOptions phoneOptions(const std::string& locale) {
         PhoneOptions options;
-        options.applicationName = uniqueApplicationName();
+        options.applicationName = uniqueApplicationName("Lists-");
         options.model.softKeyBar = GetParam();
         options.locale = locale;
         return options;
@@ -53,16 +39,8 @@ protected:
         mServer.setDocument("/app/start", document);
         // An empty reply installs nothing, so the list stays on screen after a request.
         mServer.setDocument("/app/chosen", "");
-        ASSERT_TRUE(mPhone->configuration().setValues({{"app-name-1", uniqueApplicationName()},
-                                                       {"server-addr-1", "127.0.0.1"},
-                                                       {"server-port-1", std::to_string(mServer.port())},
-                                                       {"transport-1", "http"},
-                                                       {"program-name-1", "app/start"},
-                                                       {"num-tabs-1", "0"},
-                                                       {"ipaddress", "192.0.2.55"},
-                                                       {"ip-protocol-mode", "IPv4"},
-                                                       {"currentPhoneNumber", "3100"},
-                                                       {"language", locale}}));
+        ASSERT_TRUE(mPhone->configuration().setValues(
+            loopbackApplication(uniqueApplicationName("Lists-"), std::to_string(mServer.port()), locale)));
         std::string error;
         ASSERT_TRUE(mPhone->loadPhonelet(AGP_PLUGIN_PATH, error)) << error;
         mPhone->start();
@@ -76,27 +54,13 @@ protected:
 
     std::string url() const { return "http://127.0.0.1:" + std::to_string(mServer.port()) + "/app/chosen"; }
 
-    // The phonelet reacts on its own thread; polls the display until `condition` holds.
     json waitFor(const std::function<bool(const json&)>& condition) {
-        json shot;
-        for (int i = 0; i < 500; ++i) {
-            mPhone->display().waitUntilSettled();
-            shot = mPhone->display().snapshot();
-            if (condition(shot)) {
-                break;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-        return shot;
+        return waitForScreen(*mPhone, condition);
     }
 
     json press(Key key, const std::function<bool(const json&)>& condition) {
         mPhone->display().pressKey(key);
         return waitFor(condition);
-    }
-
-    static bool popupIs(const json& s, const std::string& kind) {
-        return s["popup"].is_object() && s["popup"]["kind"] == kind;
     }
 
     // A command of the list widget: on its soft key, or through the widget's own menu (#).

@@ -7,6 +7,7 @@
 
 #include "ApplicationServer.h"
 #include "EmulatedPhone.h"
+#include "PhoneScreens.h"
 #include "display/Input.h"
 
 namespace {
@@ -14,13 +15,9 @@ namespace {
 using DisplayAPI::Key;
 using nlohmann::json;
 
-std::string uniqueApplicationName() {
-    return std::string("Screens-") + ::testing::UnitTest::GetInstance()->current_test_info()->name();
-}
-
 PhoneOptions phoneOptions() {
     PhoneOptions options;
-    options.applicationName = uniqueApplicationName();
+    options.applicationName = uniqueApplicationName("Screens-");
     return options;
 }
 
@@ -28,17 +25,8 @@ class TextScreens : public ::testing::Test {
 protected:
     void start(const std::string& document, const std::string& port = "") {
         mServer.setDocument("/app/start", document);
-        ASSERT_TRUE(mPhone.configuration().setValues(
-            {{"app-name-1", uniqueApplicationName()},
-             {"server-addr-1", "127.0.0.1"},
-             {"server-port-1", port.empty() ? std::to_string(mServer.port()) : port},
-             {"transport-1", "http"},
-             {"program-name-1", "app/start"},
-             {"num-tabs-1", "0"},
-             {"ipaddress", "192.0.2.55"},
-             {"ip-protocol-mode", "IPv4"},
-             {"currentPhoneNumber", "3100"},
-             {"language", "en"}}));
+        ASSERT_TRUE(mPhone.configuration().setValues(loopbackApplication(
+            uniqueApplicationName("Screens-"), port.empty() ? std::to_string(mServer.port()) : port)));
         std::string error;
         ASSERT_TRUE(mPhone.loadPhonelet(AGP_PLUGIN_PATH, error)) << error;
         mPhone.start();
@@ -50,15 +38,8 @@ protected:
         mPhone.display().waitUntilSettled();
         return mPhone.display().snapshot();
     }
-    // The element threads react after the key's callback, so the test polls for the outcome.
     template <class Predicate> bool waitFor(Predicate predicate) {
-        for (int i = 0; i < 500; ++i) {
-            if (predicate(snapshot())) {
-                return true;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-        return predicate(snapshot());
+        return predicate(waitForScreen(mPhone, predicate));
     }
     bool waitForScreenText(const std::string& text) {
         return waitFor([&](const json& s) {
@@ -66,7 +47,7 @@ protected:
         });
     }
     bool waitForPopup(const char* kind) {
-        return waitFor([&](const json& s) { return !s["popup"].is_null() && s["popup"]["kind"] == kind; });
+        return waitFor([&](const json& s) { return popupIs(s, kind); });
     }
     bool waitForNoPopup() {
         return waitFor([](const json& s) { return s["popup"].is_null(); });
