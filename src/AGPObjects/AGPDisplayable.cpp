@@ -4,7 +4,9 @@
 #define AGP_LOG_MODULE "AGPObject"
 #define AGP_LOG_SOURCE "./src/AGPObjects/AGPDisplayable.cpp"
 
+#include "AGPGUIHandler.h"
 #include "AGPLog.h"
+#include "AGPPhoneletManager.h"
 #include "AGPSendURLListenerIfc.h"
 #include "display/Command.h"
 #include "display/Timer.h"
@@ -156,6 +158,19 @@ AGPIppCommand* AGPDisplayable::findObservedEventCommand(AGPIppCommand::AGPEvent 
 std::string AGPDisplayable::getUrl() {
     AGPCommonBase* url = getChildByType(AGPObjectTypeInfo::ti_Url);
     return url != nullptr ? url->getContent() : std::string();
+}
+
+void AGPDisplayable::processNotifyEventWithInputAlert(AGPIppCommand::AGPEvent event,
+                                                      DisplayAPI::Alert* inputAlert) {
+    if (event == AGPIppCommand::ONFOCUS && inputAlert != nullptr) {
+        AGPGUIHandler* gui = AGPPhoneletManager::findAGPGUIHandler();
+        if (gui != nullptr) {
+            gui->showDisplayableAlert(inputAlert, mQueueID, static_cast<unsigned long>(-1),
+                                      AGPMessage::Unknown, true);
+        }
+        return;
+    }
+    runObservedEventCommand(event);
 }
 
 void AGPDisplayable::runObservedEventCommand(AGPIppCommand::AGPEvent event) {

@@ -13,6 +13,7 @@ class AGPIppTicker;
 class AGPSendURLListenerIfc;
 
 namespace DisplayAPI {
+class Alert;
 class Command;
 class CommandListener;
 class Displayable;
@@ -57,6 +58,9 @@ public:
     // Carries out the command observed for a focus event: an action runs; any other command sends
     // its pair to the element's Url, after the element's own selection for a SELECT.
     void runObservedEventCommand(AGPIppCommand::AGPEvent event);
+    // For elements with an input alert of their own (form, text box): gaining the focus while
+    // `inputAlert` is pending shows it again; otherwise the observed command runs.
+    void processNotifyEventWithInputAlert(AGPIppCommand::AGPEvent event, DisplayAPI::Alert* inputAlert);
 
     AGPIppCommand* getTimerCommand() const { return mTimerCommand; }
     DisplayAPI::Timer* getTimer() const { return mTimer; }

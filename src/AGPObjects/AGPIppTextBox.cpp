@@ -483,15 +483,7 @@ void AGPIppTextBox::destroyAlert() {
 }
 
 void AGPIppTextBox::processNotifyEvent(AGPIppCommand::AGPEvent event) {
-    AGPGUIHandler* gui = AGPPhoneletManager::findAGPGUIHandler();
-    if (event == AGPIppCommand::ONFOCUS && mAlert != nullptr) {
-        if (gui != nullptr) {
-            gui->showDisplayableAlert(mAlert, mQueueID, static_cast<unsigned long>(-1), AGPMessage::Unknown,
-                                      true);
-        }
-        return;
-    }
-    runObservedEventCommand(event);
+    processNotifyEventWithInputAlert(event, mAlert);
 }
 
 void AGPIppTextBox::addSelectedPairs(std::multimap<std::string, std::string>& keyValues) {
