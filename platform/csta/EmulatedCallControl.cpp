@@ -2,6 +2,7 @@
 #include "csta/EmulatedCallControl.h"
 
 #include <algorithm>
+#include <cctype>
 #include <memory>
 
 #include "csta/CSTAClearConnectionRequest.h"
@@ -94,19 +95,82 @@ int EmulatedCallControl::stopMonitor(CSTAMonitorStopRequest& request) {
     return CSTARequest::Success;
 }
 
+bool EmulatedCallControl::isDialable(const std::string& number) {
+    if (number.empty() || number.size() > MAX_NUMBER_LENGTH) {
+        return false;
+    }
+    bool hasKey = false;
+    for (size_t i = 0; i < number.size(); ++i) {
+        const char c = number[i];
+        if (std::isdigit(static_cast<unsigned char>(c)) || c == '*' || c == '#') {
+            hasKey = true;
+        } else if (!(c == '+' && i == 0) && std::string(" -/().").find(c) == std::string::npos) {
+            return false;
+        }
+    }
+    return hasKey;
+}
+
+void EmulatedCallControl::setCallObserver(std::function<void()> observer) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    mObserver = std::move(observer);
+}
+
+void EmulatedCallControl::notifyObserverLocked() {
+    if (mObserver) {
+        mTasks.post(mObserver);
+    }
+}
+
+std::string EmulatedCallControl::ringIncoming(const std::string& number, std::string& error) {
+    if (!isDialable(number)) {
+        error = "'" + number + "' is not a number that can call (digits, * and #, up to " +
+                std::to_string(MAX_NUMBER_LENGTH) + " characters)";
+        return "";
+    }
+    std::lock_guard<std::mutex> lock(mMutex);
+    if (mCalls.size() >= MAX_CALLS) {
+        error = "all " + std::to_string(MAX_CALLS) + " lines are busy";
+        return "";
+    }
+    const std::string callId = "call-" + std::to_string(mNextCall++);
+    mCalls.push_back(
+        Call{callId, number, mLocalNumber.empty() ? LOCAL_DEVICE : mLocalNumber, false, true, false});
+    notifyObserverLocked();
+    return callId;
+}
+
+bool EmulatedCallControl::holdCall(const std::string& callId, bool hold) {
+    std::lock_guard<std::mutex> lock(mMutex);
+    auto call = std::find_if(mCalls.begin(), mCalls.end(), [&](const Call& c) { return c.callId == callId; });
+    if (call == mCalls.end() || !call->answered || call->held == hold) {
+        return false;
+    }
+    call->held = hold;
+    notifyObserverLocked();
+    return true;
+}
+
 int EmulatedCallControl::makeCall(CSTAMakeCallRequest& request) {
     if (request.GetCalledDevice().empty()) {
         return refuse(request, CSTARequest::InvalidDevice, "MakeCall without a called device");
     }
+    if (!isDialable(request.GetCalledDevice())) {
+        return refuse(request, CSTARequest::InvalidDevice, "MakeCall to a number that cannot be dialled");
+    }
     std::string callId;
     {
         std::lock_guard<std::mutex> lock(mMutex);
+        if (mCalls.size() >= MAX_CALLS) {
+            return refuse(request, CSTARequest::InvalidDevice, "MakeCall with every line busy");
+        }
         callId = "call-" + std::to_string(mNextCall++);
         mCalls.push_back(Call{callId, request.GetCallingDevice(), request.GetCalledDevice(), false});
         if (mAutoAnswerDelay.count() >= 0) {
             mAutoAnswers[callId] =
                 mTasks.postDelayed(mAutoAnswerDelay, [this, callId] { answerCall(callId); });
         }
+        notifyObserverLocked();
     }
     if (loggingOnAppUni(kModule, 5)) {
         logAppUni(kModule, kSource, 5, __LINE__, "call %s to %s", callId.c_str(),
@@ -137,6 +201,7 @@ bool EmulatedCallControl::answerCall(const std::string& callId) {
         mAutoAnswers.erase(pending);
     }
     postEventLocked(EventKind::Established, *call, call->calledDevice);
+    notifyObserverLocked();
     return true;
 }
 
@@ -149,7 +214,7 @@ bool EmulatedCallControl::hangUp(const std::string& callId) {
         if (call == mCalls.end()) {
             return false;
         }
-        farEnd = call->calledDevice;
+        farEnd = call->incoming ? call->callingDevice : call->calledDevice;
     }
     return endCall(callId, farEnd);
 }
@@ -167,6 +232,7 @@ bool EmulatedCallControl::endCall(const std::string& callId, const std::string& 
     }
     postEventLocked(EventKind::ConnectionCleared, *call, device);
     mCalls.erase(call);
+    notifyObserverLocked();
     return true;
 }
 

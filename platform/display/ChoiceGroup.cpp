@@ -22,6 +22,15 @@ int ChoiceGroup::append(const std::string& text, Image* image) {
     return static_cast<int>(mChoices.size()) - 1;
 }
 
+void ChoiceGroup::setImage(int index, Image* image) {
+    core::Lock lock(core::mutex());
+    if (index < 0 || index >= static_cast<int>(mChoices.size())) {
+        return;
+    }
+    mChoices[index].image = image != nullptr ? image->data() : nullptr;
+    core::changed();
+}
+
 void ChoiceGroup::setSelectedIndex(int index, bool selected) {
     core::Lock lock(core::mutex());
     if (index < 0 || index >= static_cast<int>(mChoices.size())) {

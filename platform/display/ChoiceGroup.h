@@ -21,6 +21,8 @@ public:
 
     // Returns the index of the new choice. The picture's content is shared, not the Image.
     int append(const std::string& text, Image* image);
+    // Replaces the picture of choice `index` (null removes it); out-of-range indexes are ignored.
+    void setImage(int index, Image* image);
     // Exclusive: selecting one deselects the others. Out-of-range indexes are ignored.
     void setSelectedIndex(int index, bool selected);
     int size() const;

@@ -30,10 +30,14 @@ void Command::registerLive() {
 }
 
 Command::~Command() {
-    core::Lock lock(core::mutex());
-    liveCommands().erase(this);
-    mLife.end();
-    core::changed();
+    {
+        core::Lock lock(core::mutex());
+        liveCommands().erase(this);
+        mLife.end();
+        core::changed();
+    }
+    // A listener told about this command keeps it until it returns.
+    core::awaitCallbacks(this);
 }
 
 bool Command::exists(const Command* command) {

@@ -37,7 +37,8 @@ public:
 
     Command(const std::string& label, Type type);
     Command(const TranslationInfo& label, Type type);
-    // Detaches the command from every widget, menu, timer and selection field that holds it.
+    // Detaches the command from every widget, menu, timer and selection field that holds it, and
+    // waits while a listener on another thread is being told about it.
     virtual ~Command();
     Command(const Command&) = delete;
     Command& operator=(const Command&) = delete;
@@ -55,7 +56,11 @@ public:
     void setOwnerId(unsigned long id);
     unsigned long getOwnerId() const;
 
-    core::Ref<Command> ref() { return core::Ref<Command>(this, mLife); }
+    // A watch on this command that tells later, on any thread, whether it is still alive.
+    core::Ref<Command> ref() {
+        core::Lock lock(core::mutex()); // another thread may be ending the life right now
+        return core::Ref<Command>(this, mLife);
+    }
 
 private:
     void registerLive();

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 namespace DisplayAPI {
 
@@ -63,6 +65,28 @@ void postCommand(Displayable* source, Command* command, Displayable* argument);
 // Queues itemStateChanged(item) to every item state listener of `source`.
 void postItemState(Displayable* source, Item* item);
 bool hasSoftKeyBar();
+
+// Callbacks in flight. A listener gets bare pointers to the widget and the command it is told
+// about, and the application may delete both on another thread at any moment. So while a
+// listener runs, the objects it was given are pinned, and the destructor of a pinned widget or
+// command (on any thread but the listener's own) waits until the listener has returned.
+// Consequences: a listener never waits for a thread that may be deleting widgets, and nobody
+// deletes a widget or command while holding the library lock or a lock that a listener takes.
+class CallbackPins {
+public:
+    CallbackPins() = default;
+    ~CallbackPins();
+    CallbackPins(const CallbackPins&) = delete;
+    CallbackPins& operator=(const CallbackPins&) = delete;
+    // Pins the non-null `objects`; call with the library lock held, after checking they are alive.
+    void hold(std::initializer_list<const void*> objects);
+
+private:
+    std::vector<const void*> mHeld;
+};
+// Waits until no listener on another thread holds `object`; call without the library lock, after
+// the object's life has ended (so that no new callback can pin it).
+void awaitCallbacks(const void* object);
 // Number of soft keys of the active display; 0 without a soft-key bar or display.
 int softKeyCount();
 

@@ -64,7 +64,8 @@ public:
     // The host's input: a key of the phone, or text typed into the focused field. True when the
     // key or text had an effect. See Input.h for what each key does.
     bool pressKey(Key key);
-    bool typeText(const std::string& text);
+    // With `replace`, the field is emptied first.
+    bool typeText(const std::string& text, bool replace = false);
 
     // What a person sees now, as plain data (shape described in Snapshot.cpp).
     nlohmann::json snapshot() const;

@@ -43,6 +43,7 @@ void postCommand(Displayable* source, Command* command, Displayable* argument) {
         std::vector<CommandListener*> listeners;
         Command* liveCommand = nullptr;
         Displayable* liveArgument = nullptr;
+        CallbackPins pins;
         {
             Lock lock(mutex());
             Displayable* liveSource = sourceRef.get();
@@ -54,6 +55,7 @@ void postCommand(Displayable* source, Command* command, Displayable* argument) {
                 return;
             }
             listeners = liveSource->commandListeners();
+            pins.hold({liveCommand, liveArgument});
         }
         for (CommandListener* listener : listeners) {
             listener->commandAction(liveCommand, liveArgument);
@@ -71,6 +73,7 @@ void postItemState(Displayable* source, Item* item) {
     post([sourceRef, itemRef] {
         std::vector<ItemStateListener*> listeners;
         Item* liveItem = nullptr;
+        CallbackPins pins;
         {
             Lock lock(mutex());
             Displayable* liveSource = sourceRef.get();
@@ -79,6 +82,7 @@ void postItemState(Displayable* source, Item* item) {
                 return;
             }
             listeners = liveSource->itemStateListeners();
+            pins.hold({liveItem});
         }
         for (ItemStateListener* listener : listeners) {
             listener->itemStateChanged(liveItem);
@@ -95,11 +99,15 @@ Displayable::~Displayable() {
 }
 
 void Displayable::retire() {
-    core::Lock lock(core::mutex());
-    if (!mLife.ended()) {
-        mLife.end();
-        core::changed();
+    {
+        core::Lock lock(core::mutex());
+        if (!mLife.ended()) {
+            mLife.end();
+            core::changed();
+        }
     }
+    // A listener told about this widget keeps it until it returns.
+    core::awaitCallbacks(this);
 }
 
 void Displayable::setOwnerId(unsigned long id) {

@@ -24,6 +24,9 @@ struct TickerData;
 // Every operation is safe to call from any thread. Commands, listeners, tickers and tab screens
 // given to a displayable are not owned by it; deleting a command or ticker removes it from every
 // displayable, and deleting a displayable takes it off the display and out of its tab.
+// Lifetime: the application deletes a displayable on any thread; the delete waits while a
+// listener on another thread is being told about it (core::CallbackPins), so a listener may use
+// the pointers it is given until it returns, and never after.
 class Displayable {
 public:
     virtual ~Displayable();
@@ -71,13 +74,17 @@ public:
     virtual bool isPopup() const { return false; }
 
     // ---- Used by the library itself; callers hold the library lock. ----
-    core::Ref<Displayable> ref() { return core::Ref<Displayable>(this, mLife); }
+    core::Ref<Displayable> ref() {
+        core::Lock lock(core::mutex()); // another thread may be ending the life right now
+        return core::Ref<Displayable>(this, mLife);
+    }
     std::vector<CommandListener*> commandListeners() const { return mCommandListeners; }
     std::vector<ItemStateListener*> itemStateListeners() const { return mItemStateListeners; }
     // A key for this widget; true when it had an effect.
     virtual bool handleKey(Key key);
-    // Text typed into the widget's focused field; true when some of it was taken.
-    virtual bool handleText(const std::string& /*text*/) { return false; }
+    // Text typed into the widget's focused field (emptied first with `replace`); true when that had an
+    // effect.
+    virtual bool handleText(const std::string& /*text*/, bool /*replace*/) { return false; }
     // Labels of the soft keys (empty strings for free keys); none without a soft-key bar.
     virtual std::vector<std::string> softKeyLabels() const;
     // What a person sees of this widget, as plain data (see Snapshot.cpp for the shape).

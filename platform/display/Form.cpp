@@ -15,19 +15,27 @@ Form::Form(FormProportionType proportion) : mProportion(proportion) {}
 
 Form::~Form() {
     retire();
-    core::Lock lock(core::mutex());
     std::vector<Item*> items;
-    items.swap(mItems);
-    SelectionField* options = formOptions();
-    mFormOptions = core::Ref<Displayable>();
+    SelectionField* options = nullptr;
+    {
+        core::Lock lock(core::mutex());
+        items.swap(mItems);
+        options = formOptions();
+        mFormOptions = core::Ref<Displayable>();
+        for (Item* item : items) {
+            item->attachTo(nullptr);
+        }
+        if (options != nullptr && std::find(items.begin(), items.end(), options) == items.end()) {
+            options->attachTo(nullptr);
+        } else {
+            options = nullptr;
+        }
+    }
+    // Deleted without the lock: an item's destructor may wait for a listener told about it.
     for (Item* item : items) {
-        item->attachTo(nullptr);
         delete item;
     }
-    if (options != nullptr && std::find(items.begin(), items.end(), options) == items.end()) {
-        options->attachTo(nullptr);
-        delete options;
-    }
+    delete options;
 }
 
 Command* Form::CURRENT_ITEM_CHANGED_COMMAND() {
@@ -93,17 +101,21 @@ void Form::setSelected(Item* item) {
 }
 
 void Form::setFormOptions(SelectionField* options) {
-    core::Lock lock(core::mutex());
-    SelectionField* replaced = formOptions();
-    if (options == replaced) {
+    SelectionField* dropped = nullptr;
+    {
+        core::Lock lock(core::mutex());
+        SelectionField* replaced = formOptions();
+        if (options == replaced) {
+            core::changed();
+            return;
+        }
+        mFormOptions = options != nullptr ? options->ref() : core::Ref<Displayable>();
+        if (replaced != nullptr && std::find(mItems.begin(), mItems.end(), replaced) == mItems.end()) {
+            dropped = replaced;
+        }
         core::changed();
-        return;
     }
-    mFormOptions = options != nullptr ? options->ref() : core::Ref<Displayable>();
-    if (replaced != nullptr && std::find(mItems.begin(), mItems.end(), replaced) == mItems.end()) {
-        delete replaced;
-    }
-    core::changed();
+    delete dropped; // without the lock, see the destructor
 }
 
 SelectionField* Form::getFormOptions() const {
@@ -203,7 +215,7 @@ bool Form::onKey(Key key) {
         return moveFocus(1);
     case Key::Ok:
         if (focused != nullptr && focused->isInformAppOnOk()) {
-            deliver(Command::standard(Command::OK));
+            reportOk(focused);
             return true;
         }
         return focused != nullptr && focused->itemKey(key);
@@ -221,9 +233,27 @@ bool Form::onKey(Key key) {
     }
 }
 
-bool Form::handleText(const std::string& text) {
+// An item that belongs to the form's own element (its options field) reports OK with the form.
+// An item of another element (a selection item, a button) reports OK without a widget and with a
+// command that names the form's element: the form then decides for its focused item (its default
+// command, its menu, its button), which it could not tell apart from its own options field if the
+// form were named as the widget.
+void Form::reportOk(Item* focused) {
+    if (focused->getOwnerId() == 0 || focused->getOwnerId() == getOwnerId()) {
+        deliver(Command::standard(Command::OK));
+        return;
+    }
+    if (!mItemOkCommand) {
+        mItemOkCommand =
+            std::make_unique<Command>(Command::standard(Command::OK)->getBasicText(), Command::OK);
+    }
+    mItemOkCommand->setOwnerId(getOwnerId());
+    core::postCommand(this, mItemOkCommand.get(), nullptr);
+}
+
+bool Form::handleText(const std::string& text, bool replace) {
     Item* focused = getItem(mFocus);
-    return focused != nullptr && focused->handleText(text);
+    return focused != nullptr && focused->handleText(text, replace);
 }
 
 std::vector<Command*> Form::softKeyCommands() const {

@@ -1,8 +1,10 @@
 // A screen of labelled items (text fields, choices, sliders, images) with one focused item.
 #pragma once
 
+#include <memory>
 #include <vector>
 
+#include "display/Command.h"
 #include "display/Displayable.h"
 
 namespace DisplayAPI {
@@ -56,7 +58,7 @@ public:
     void restoreFocusAndShowHighlight() override;
 
     // ---- Used by the library itself. ----
-    bool handleText(const std::string& text) override;
+    bool handleText(const std::string& text, bool replace) override;
     void forgetItem(Item* item);
 
 protected:
@@ -68,11 +70,15 @@ private:
     bool moveFocus(int step);
     void focusFirstIfNone();
     SelectionField* formOptions() const;
+    void reportOk(Item* focused);
 
     FormProportionType mProportion;
     std::vector<Item*> mItems;
     int mFocus = -1;
     core::Ref<Displayable> mFormOptions; // a SelectionField
+    // OK on an item of an element of its own: carries the form's owner id, delivered without a
+    // widget. Made on first use, deleted with the form (which drops a callback still on its way).
+    std::unique_ptr<Command> mItemOkCommand;
 };
 
 } // namespace DisplayAPI

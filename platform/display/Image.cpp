@@ -1,149 +1,187 @@
-// Pictures: format recognition by signature and the size from the header.
+// Pictures: decoding checked within a bound, phone files and skin pictures, lookup by id.
 #include "display/Image.h"
 
+#include <stb_image.h>
+
 #include <atomic>
-#include <cstdint>
-#include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
+#include <mutex>
+#include <system_error>
 
 namespace DisplayAPI {
 
 namespace {
 
-// Larger files are not pictures the phone would show; reading them would only cost memory.
-constexpr std::size_t maximumFileSize = 4 * 1024 * 1024;
+namespace fs = std::filesystem;
+
+const char* const kSkinPrefix = ":/images/";
+
+struct Registry {
+    std::mutex mutex;
+    std::string filesFolder;
+    std::string skinFolder;
+    std::map<unsigned long, std::weak_ptr<ImageData>> pictures;
+    std::size_t sweptSize = 0;
+};
+
+Registry& registry() {
+    static Registry instance;
+    return instance;
+}
 
 unsigned long nextImageId() {
     static std::atomic<unsigned long> next{1};
     return next++;
 }
 
-unsigned bigEndian16(const std::vector<unsigned char>& b, std::size_t at) {
-    return (unsigned(b[at]) << 8) | b[at + 1];
-}
-
-unsigned littleEndian16(const std::vector<unsigned char>& b, std::size_t at) {
-    return unsigned(b[at]) | (unsigned(b[at + 1]) << 8);
-}
-
-long bigEndian32(const std::vector<unsigned char>& b, std::size_t at) {
-    return (long(b[at]) << 24) | (long(b[at + 1]) << 16) | (long(b[at + 2]) << 8) | long(b[at + 3]);
-}
-
-long littleEndian32Signed(const std::vector<unsigned char>& b, std::size_t at) {
-    const std::uint32_t v = std::uint32_t(b[at]) | (std::uint32_t(b[at + 1]) << 8) |
-                            (std::uint32_t(b[at + 2]) << 16) | (std::uint32_t(b[at + 3]) << 24);
-    return static_cast<std::int32_t>(v);
+// Dropped pictures leave expired entries; they are swept whenever the map has doubled since the
+// last sweep, so it stays within twice the pictures alive at little cost per picture.
+void remember(const std::shared_ptr<ImageData>& image) {
+    Registry& r = registry();
+    std::lock_guard<std::mutex> lock(r.mutex);
+    if (r.pictures.size() >= 2 * r.sweptSize + 16) {
+        for (auto it = r.pictures.begin(); it != r.pictures.end();) {
+            it = it->second.expired() ? r.pictures.erase(it) : std::next(it);
+        }
+        r.sweptSize = r.pictures.size();
+    }
+    r.pictures[image->id] = image;
 }
 
 bool startsWith(const std::vector<unsigned char>& b, const char* signature, std::size_t length) {
     return b.size() >= length && std::memcmp(b.data(), signature, length) == 0;
 }
 
-bool readPng(ImageData& image) {
-    const auto& b = image.bytes;
-    if (!startsWith(b, "\x89PNG\r\n\x1a\n", 8) || b.size() < 24 || std::memcmp(&b[12], "IHDR", 4) != 0) {
+// The format named by the signature; the decoder decides whether the rest holds up.
+std::string formatOf(const std::vector<unsigned char>& b) {
+    if (startsWith(b, "\x89PNG\r\n\x1a\n", 8)) {
+        return "png";
+    }
+    if (startsWith(b, "\xff\xd8\xff", 3)) {
+        return "jpeg";
+    }
+    if (startsWith(b, "GIF87a", 6) || startsWith(b, "GIF89a", 6)) {
+        return "gif";
+    }
+    if (startsWith(b, "BM", 2)) {
+        return "bmp";
+    }
+    return std::string();
+}
+
+void markBroken(ImageData& image, const std::string& problem) {
+    image.kind = "broken";
+    image.width = 0;
+    image.height = 0;
+    image.problem = problem;
+}
+
+// `relative` inside `folder`, after following links; empty when it leads outside.
+std::string confinedPath(const std::string& folder, const std::string& relative, std::string& problem) {
+    if (folder.empty()) {
+        problem = "the phone has no folder for these pictures";
+        return std::string();
+    }
+    std::error_code error;
+    const fs::path root = fs::canonical(folder, error);
+    if (error) {
+        problem = "the folder " + folder + " cannot be read";
+        return std::string();
+    }
+    const fs::path target = fs::weakly_canonical(root / fs::path(relative).relative_path(), error);
+    if (error) {
+        problem = "no file " + relative;
+        return std::string();
+    }
+    const std::string rootText = root.string() + "/";
+    if (target.string().compare(0, rootText.size(), rootText) != 0) {
+        problem = relative + " lies outside the folder";
+        return std::string();
+    }
+    return target.string();
+}
+
+// Only regular files of a bounded size: devices and pipes would never end.
+bool readFile(const std::string& file, std::vector<unsigned char>& bytes, std::string& problem) {
+    std::error_code error;
+    const fs::file_status status = fs::status(file, error);
+    if (error || !fs::is_regular_file(status)) {
+        problem = "no regular file " + file;
         return false;
     }
-    image.kind = "png";
-    image.width = static_cast<int>(bigEndian32(b, 16));
-    image.height = static_cast<int>(bigEndian32(b, 20));
-    return true;
-}
-
-bool readGif(ImageData& image) {
-    const auto& b = image.bytes;
-    if (!(startsWith(b, "GIF87a", 6) || startsWith(b, "GIF89a", 6)) || b.size() < 10) {
+    const auto size = fs::file_size(file, error);
+    if (error || size > static_cast<std::uintmax_t>(Image::mMaxFileSize)) {
+        problem = "the file " + file + " is larger than " + std::to_string(Image::mMaxFileSize) + " bytes";
         return false;
     }
-    image.kind = "gif";
-    image.width = static_cast<int>(littleEndian16(b, 6));
-    image.height = static_cast<int>(littleEndian16(b, 8));
-    return true;
-}
-
-bool readBmp(ImageData& image) {
-    const auto& b = image.bytes;
-    if (!startsWith(b, "BM", 2) || b.size() < 26) {
-        return false;
-    }
-    image.kind = "bmp";
-    image.width = static_cast<int>(std::labs(littleEndian32Signed(b, 18)));
-    // A negative height marks a top-down bitmap; the picture is as tall either way.
-    image.height = static_cast<int>(std::labs(littleEndian32Signed(b, 22)));
-    return true;
-}
-
-bool isStartOfFrame(unsigned char marker) {
-    return marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
-}
-
-// Walks the JPEG segments up to the frame header, which holds the size.
-bool readJpeg(ImageData& image) {
-    const auto& b = image.bytes;
-    if (!startsWith(b, "\xff\xd8", 2)) {
-        return false;
-    }
-    std::size_t at = 2;
-    while (at + 4 <= b.size()) {
-        if (b[at] != 0xFF) {
-            return false;
-        }
-        const unsigned char marker = b[at + 1];
-        if (marker == 0xFF) {
-            ++at; // fill byte
-            continue;
-        }
-        if (marker == 0xD8 || marker == 0x01 || (marker >= 0xD0 && marker <= 0xD7)) {
-            at += 2; // markers without a length
-            continue;
-        }
-        const unsigned length = bigEndian16(b, at + 2);
-        if (length < 2) {
-            return false;
-        }
-        if (isStartOfFrame(marker)) {
-            if (at + 9 > b.size()) {
-                return false;
-            }
-            image.kind = "jpeg";
-            image.height = static_cast<int>(bigEndian16(b, at + 5));
-            image.width = static_cast<int>(bigEndian16(b, at + 7));
-            return true;
-        }
-        at += 2 + length;
-    }
-    return false;
-}
-
-bool readFile(const std::string& path, std::vector<unsigned char>& bytes) {
-    std::ifstream in(path, std::ios::binary);
+    std::ifstream in(file, std::ios::binary);
     if (!in) {
+        problem = "the file " + file + " cannot be read";
         return false;
     }
-    in.seekg(0, std::ios::end);
-    const std::streamoff size = in.tellg();
-    if (size < 0 || static_cast<std::size_t>(size) > maximumFileSize) {
-        return false;
-    }
-    in.seekg(0, std::ios::beg);
     bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    if (bytes.size() > static_cast<std::size_t>(Image::mMaxFileSize)) {
+        problem = "the file " + file + " grew while it was read";
+        return false;
+    }
     return true;
+}
+
+// ":/images/SKIN/FOLDER/NAME": every skin uses the one icon set of the skin folder.
+std::string skinFile(const std::string& path, const std::string& skinFolder, std::string& problem) {
+    const std::string rest = path.substr(std::strlen(kSkinPrefix));
+    const std::size_t slash = rest.find('/');
+    if (slash == std::string::npos || slash + 1 >= rest.size()) {
+        problem = "no skin picture " + path;
+        return std::string();
+    }
+    return confinedPath(skinFolder, rest.substr(slash + 1), problem);
 }
 
 } // namespace
 
 void Image::recognise(ImageData& image) {
-    if (readPng(image) || readGif(image) || readJpeg(image) || readBmp(image)) {
-        if (image.width > 0 && image.height > 0) {
-            return;
-        }
+    const std::string format = formatOf(image.bytes);
+    if (format.empty()) {
+        markBroken(image, image.bytes.empty() ? "no bytes" : "not a PNG, JPEG, GIF or BMP picture");
+        return;
     }
-    image.kind = "broken";
-    image.width = 0;
-    image.height = 0;
+    if (image.bytes.size() > static_cast<std::size_t>(INT32_MAX)) {
+        markBroken(image, "too many bytes");
+        return;
+    }
+    const auto* bytes = image.bytes.data();
+    const int length = static_cast<int>(image.bytes.size());
+    int width = 0;
+    int height = 0;
+    int channels = 0;
+    if (stbi_info_from_memory(bytes, length, &width, &height, &channels) == 0) {
+        markBroken(image, std::string("unreadable ") + format + " header");
+        return;
+    }
+    // The header's claim is checked before any pixel memory is taken.
+    if (width <= 0 || height <= 0 || width > mMaxSide || height > mMaxSide ||
+        static_cast<long>(width) * height > mMaxPixels) {
+        markBroken(image, "a picture of " + std::to_string(width) + "x" + std::to_string(height) +
+                              " pixels is too large");
+        return;
+    }
+    unsigned char* pixels = stbi_load_from_memory(bytes, length, &width, &height, &channels, 0);
+    if (pixels == nullptr) {
+        const char* reason = stbi_failure_reason();
+        markBroken(image, std::string("the ") + format + " picture does not decode" +
+                              (reason != nullptr ? std::string(": ") + reason : std::string()));
+        return;
+    }
+    stbi_image_free(pixels);
+    image.kind = format;
+    image.width = width;
+    image.height = height;
+    image.problem.clear();
 }
 
 Image::Image(const char* data, int size) : mData(std::make_shared<ImageData>()) {
@@ -152,23 +190,49 @@ Image::Image(const char* data, int size) : mData(std::make_shared<ImageData>()) 
         mData->bytes.assign(data, data + size);
     }
     recognise(*mData);
+    remember(mData);
 }
 
 Image::Image(const std::string& path) : mData(std::make_shared<ImageData>()) {
     mData->id = nextImageId();
     mData->path = path;
-    if (path.rfind(":/", 0) == 0) {
-        mData->kind = "resource";
-        return;
+    std::string filesFolder;
+    std::string skinFolder;
+    {
+        Registry& r = registry();
+        std::lock_guard<std::mutex> lock(r.mutex);
+        filesFolder = r.filesFolder;
+        skinFolder = r.skinFolder;
     }
-    const std::string file = path.rfind("file:", 0) == 0 ? path.substr(5) : path;
-    if (file.empty() || !readFile(file, mData->bytes)) {
-        mData->kind = "broken";
-        return;
+    std::string problem;
+    const std::string file = path.empty()                      ? std::string()
+                             : path.rfind(kSkinPrefix, 0) == 0 ? skinFile(path, skinFolder, problem)
+                                                               : confinedPath(filesFolder, path, problem);
+    if (path.empty()) {
+        problem = "no file name";
     }
-    recognise(*mData);
+    if (file.empty() || !readFile(file, mData->bytes, problem)) {
+        markBroken(*mData, problem);
+    } else {
+        recognise(*mData);
+    }
+    remember(mData);
 }
 
 Image::~Image() = default;
+
+void Image::setFolders(const std::string& filesFolder, const std::string& skinFolder) {
+    Registry& r = registry();
+    std::lock_guard<std::mutex> lock(r.mutex);
+    r.filesFolder = filesFolder;
+    r.skinFolder = skinFolder;
+}
+
+std::shared_ptr<const ImageData> Image::find(unsigned long id) {
+    Registry& r = registry();
+    std::lock_guard<std::mutex> lock(r.mutex);
+    auto found = r.pictures.find(id);
+    return found == r.pictures.end() ? nullptr : found->second.lock();
+}
 
 } // namespace DisplayAPI

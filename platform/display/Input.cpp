@@ -96,10 +96,10 @@ bool Display::pressKey(Key key) {
     return handled;
 }
 
-bool Display::typeText(const std::string& text) {
+bool Display::typeText(const std::string& text, bool replace) {
     core::Lock lock(core::mutex());
     Displayable* target = getCurrent();
-    return mShown && target != nullptr && target->handleText(text);
+    return mShown && target != nullptr && target->handleText(text, replace);
 }
 
 } // namespace DisplayAPI

@@ -61,15 +61,20 @@ void List::insert(ListItem* item, int index) {
 }
 
 void List::deleteAll() {
-    core::Lock lock(core::mutex());
     std::vector<ListItem*> items;
-    items.swap(mItems);
-    mFocus = -1;
+    {
+        core::Lock lock(core::mutex());
+        items.swap(mItems);
+        mFocus = -1;
+        for (ListItem* item : items) {
+            item->attachTo(nullptr);
+        }
+        core::changed();
+    }
+    // Deleted without the lock: an item's destructor may wait for a listener told about it.
     for (ListItem* item : items) {
-        item->attachTo(nullptr);
         delete item;
     }
-    core::changed();
 }
 
 std::vector<ListItem*> List::getListItems() const {

@@ -33,8 +33,8 @@
 //   selectionField: "entries", "selected", "value", "popup" (null or {"focus"})
 //   slider:         "min", "max", "value", "interval", "automatic"
 //   imageItem:      "image", "altText", "arrow", "informsOnOk"
-// <image>: null or {"id", "kind" ("png", "jpeg", "gif", "bmp", "resource", "broken"), "width",
-//   "height", "path" (resources and files only)}
+// <image>: null or {"id", "kind" ("png", "jpeg", "gif", "bmp", "broken"), "url" (not when broken), "width",
+//   "height", "path" and "name" (pictures made from a path), "problem" (broken only)}
 #include <nlohmann/json.hpp>
 
 #include "display/Display.h"
@@ -52,6 +52,13 @@ nlohmann::json describeImage(const std::shared_ptr<const ImageData>& image) {
         {"id", image->id}, {"kind", image->kind}, {"width", image->width}, {"height", image->height}};
     if (!image->path.empty()) {
         out["path"] = image->path;
+        out["name"] = image->path.substr(image->path.rfind('/') + 1);
+    }
+    if (image->kind == "broken") {
+        out["problem"] = image->problem;
+    } else {
+        // The host serves the picture's bytes there while a widget shows it.
+        out["url"] = "/api/pictures/" + std::to_string(image->id);
     }
     return out;
 }

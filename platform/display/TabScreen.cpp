@@ -166,9 +166,9 @@ bool TabScreen::handleKey(Key key) {
     }
 }
 
-bool TabScreen::handleText(const std::string& text) {
+bool TabScreen::handleText(const std::string& text, bool replace) {
     Displayable* content = mBarActive ? nullptr : currentTab();
-    return content != nullptr && content->handleText(text);
+    return content != nullptr && content->handleText(text, replace);
 }
 
 std::vector<std::string> TabScreen::softKeyLabels() const {

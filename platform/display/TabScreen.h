@@ -53,7 +53,7 @@ public:
     // bar upwards into the phone's own bar (Up while the bar has the focus).
     void enterTabBarFromContent(Displayable* content);
     bool handleKey(Key key) override;
-    bool handleText(const std::string& text) override;
+    bool handleText(const std::string& text, bool replace) override;
     std::vector<std::string> softKeyLabels() const override;
     void describeTabBar(nlohmann::json& out) const;
 

@@ -12,11 +12,16 @@ Table::Table(int headerLines, int headerColumns, bool /*reserved*/) : mHeader(he
 
 Table::~Table() {
     retire();
-    core::Lock lock(core::mutex());
     std::vector<TableItem*> items;
-    items.swap(mItems);
+    {
+        core::Lock lock(core::mutex());
+        items.swap(mItems);
+        for (TableItem* item : items) {
+            item->attachTo(nullptr);
+        }
+    }
+    // Deleted without the lock: an item's destructor may wait for a listener told about it.
     for (TableItem* item : items) {
-        item->attachTo(nullptr);
         delete item;
     }
 }

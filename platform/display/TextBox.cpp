@@ -70,8 +70,13 @@ bool TextBox::type(const std::string& typed) {
     return mText != before;
 }
 
-bool TextBox::handleText(const std::string& typed) {
-    return type(typed);
+bool TextBox::handleText(const std::string& typed, bool replace) {
+    const bool cleared = replace && !mReadOnly && !mText.empty();
+    if (cleared) {
+        mText.clear();
+        core::changed();
+    }
+    return type(typed) || cleared;
 }
 
 bool TextBox::onKey(Key key) {

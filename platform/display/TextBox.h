@@ -30,7 +30,7 @@ public:
     const char* kind() const override { return "textBox"; }
 
     // ---- Used by the library itself. ----
-    bool handleText(const std::string& text) override;
+    bool handleText(const std::string& text, bool replace) override;
 
 protected:
     bool onKey(Key key) override;

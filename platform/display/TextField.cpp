@@ -161,7 +161,10 @@ bool TextField::itemKey(Key key) {
     }
 }
 
-bool TextField::handleText(const std::string& typed) {
+bool TextField::handleText(const std::string& typed, bool replace) {
+    if (replace && editable()) {
+        mText.clear();
+    }
     return type(typed);
 }
 

@@ -44,7 +44,7 @@ public:
     // ---- Used by the library itself. ----
     bool isCapturingKeys() const override { return mEditing; }
     bool itemKey(Key key) override;
-    bool handleText(const std::string& text) override;
+    bool handleText(const std::string& text, bool replace) override;
     void focusLeaves() override;
 
 protected:

@@ -101,12 +101,14 @@ void Timer::schedule() {
     mTask = mDisplay->eventLoop().postDelayed(std::chrono::milliseconds(mInterval), [self, generation] {
         std::vector<CommandListener*> listeners;
         Command* command = nullptr;
+        core::CallbackPins pins;
         {
             core::Lock lock(core::mutex());
             Timer* timer = self.get();
             if (timer == nullptr || !timer->takeExpiry(generation, listeners, command)) {
                 return;
             }
+            pins.hold({command});
         }
         for (CommandListener* listener : listeners) {
             listener->commandAction(command, nullptr);

@@ -1,6 +1,8 @@
 // The platform's event thread.
 #include "events/EventLoop.h"
 
+#include "logging/Log.h"
+
 #include <pthread.h>
 
 #include <future>
@@ -8,6 +10,7 @@
 EventLoop::EventLoop() {
     mThread = std::thread([this] {
         pthread_setname_np(pthread_self(), "platform-events");
+        setLogThreadName("platform-events");
         run();
     });
 }

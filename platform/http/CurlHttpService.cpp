@@ -195,9 +195,11 @@ bool isRedirection(long code) {
 //                     without a reply), CURLE_PARTIAL_FILE (reply cut off in the middle),
 //                     CURLE_HTTP2, CURLE_HTTP2_STREAM, CURLE_HTTP3
 //  9 content          CURLE_WEIRD_SERVER_REPLY (not HTTP), CURLE_BAD_CONTENT_ENCODING (gzip, br
-//                     or zstd body that does not decode), CURLE_FILESIZE_EXCEEDED
+//                     or zstd body that does not decode)
 // 10 HTTP status      no libcurl error, final status 400 or more (httpStatus holds it)
 // 11, 12              our own redirection checks (see request)
+// 15 too large        the body, decoded, outgrew the largest document (CURLE_FILESIZE_EXCEEDED
+//                     for an announced length, our write function's refusal for the rest)
 //  0 unknown          everything else, among them CURLE_WRITE_ERROR (the download file cannot be
 //                     written: a local fault, logged with its reason) and CURLE_OUT_OF_MEMORY
 int statusForCurlResult(CURLcode code, bool proxyInUse, long connectCode) {
@@ -251,7 +253,6 @@ int statusForCurlResult(CURLcode code, bool proxyInUse, long connectCode) {
         return HttpServiceIfc::STATUS_RESPONSE_FAILED;
     case CURLE_WEIRD_SERVER_REPLY:
     case CURLE_BAD_CONTENT_ENCODING:
-    case CURLE_FILESIZE_EXCEEDED:
         return HttpServiceIfc::STATUS_INVALID_CONTENT;
     default:
         return HttpServiceIfc::STATUS_UNKNOWN_ERROR;
@@ -264,11 +265,14 @@ struct Response {
     int fd = -1;                     // download file, -1: body discarded
     std::string* captured = nullptr; // first bytes of the body for the observer, null: none
     std::uint64_t bodySize = 0;
+    std::uint64_t maxBodySize = 0; // 0: unbounded
+    bool tooLarge = false;
     int writeErrno = 0;
     HttpServiceHeaders headers;
 
     void reset() {
         bodySize = 0;
+        tooLarge = false;
         writeErrno = 0;
         headers.clear();
         if (captured != nullptr) {
@@ -280,6 +284,11 @@ struct Response {
 size_t onBody(char* data, size_t size, size_t count, void* user) {
     Response& response = *static_cast<Response*>(user);
     const size_t length = size * count;
+    // libcurl hands over decoded bytes, so this also bounds what a compressed body inflates to.
+    if (response.maxBodySize > 0 && length > response.maxBodySize - response.bodySize) {
+        response.tooLarge = true;
+        return 0; // libcurl ends the transfer with CURLE_WRITE_ERROR
+    }
     if (response.fd >= 0) {
         size_t written = 0;
         while (written < length) {
@@ -427,6 +436,10 @@ void performExchange(CURL* easy, Exchange& exchange, Response& response) {
         curl_easy_setopt(easy, CURLOPT_WRITEDATA, &response);
         curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, onHeader);
         curl_easy_setopt(easy, CURLOPT_HEADERDATA, &response);
+        if (response.maxBodySize > 0) {
+            // Refuses at once a response that announces a larger length.
+            curl_easy_setopt(easy, CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(response.maxBodySize));
+        }
         curl_easy_setopt(easy, CURLOPT_NOPROGRESS, 0L);
         curl_easy_setopt(easy, CURLOPT_XFERINFOFUNCTION, onProgress);
         curl_easy_setopt(easy, CURLOPT_XFERINFODATA, exchange.aborted);
@@ -466,7 +479,10 @@ void performExchange(CURL* easy, Exchange& exchange, Response& response) {
             long connectCode = 0;
             curl_easy_getinfo(easy, CURLINFO_HTTP_CONNECTCODE, &connectCode);
             exchange.status = statusForCurlResult(result, exchange.useProxy, connectCode);
-            if (result == CURLE_WRITE_ERROR && response.writeErrno != 0) {
+            if (response.tooLarge || result == CURLE_FILESIZE_EXCEEDED) {
+                exchange.status = HttpServiceIfc::STATUS_DOCUMENT_TOO_LARGE;
+                exchange.detail = "body larger than " + std::to_string(response.maxBodySize) + " bytes";
+            } else if (result == CURLE_WRITE_ERROR && response.writeErrno != 0) {
                 exchange.detail =
                     std::string("cannot write the download file: ") + std::strerror(response.writeErrno);
             } else if (result == CURLE_ABORTED_BY_CALLBACK) {
@@ -614,6 +630,11 @@ void CurlHttpService::setTimeoutCap(int seconds) {
     HTTP_LOG(5, "Time-out cap: %d s (0: none)\n", std::max(seconds, 0));
 }
 
+void CurlHttpService::setMaxDocumentSize(std::uint64_t bytes) {
+    mMaxDocumentSize.store(std::max<std::uint64_t>(bytes, 1024));
+    HTTP_LOG(5, "Largest document: %llu bytes\n", static_cast<unsigned long long>(mMaxDocumentSize.load()));
+}
+
 int CurlHttpService::handleCount() const {
     std::lock_guard<std::mutex> lock(mMutex);
     return static_cast<int>(mHandles.size());
@@ -647,6 +668,11 @@ int CurlHttpService::request(const std::string& proxyAddr, const std::string& pr
                              HttpServiceHeaders& requestHeaders, HttpServiceHeaders& responseHeaders,
                              const std::string& downloadFile) {
     const Clock::time_point start = Clock::now();
+    ++mTransfersUnderWay;
+    struct Finished {
+        std::atomic<int>& count;
+        ~Finished() { --count; }
+    } finished{mTransfersUnderWay};
     const std::string requestedUrl = url;
     std::shared_ptr<HttpTrafficObserver> observer;
     Exchange exchange;
@@ -672,6 +698,7 @@ int CurlHttpService::request(const std::string& proxyAddr, const std::string& pr
     std::string captured;
     Response response;
     response.captured = observer ? &captured : nullptr;
+    response.maxBodySize = mMaxDocumentSize.load();
 
     std::string key;
     std::string why;

@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -56,6 +57,12 @@ public:
                 unsigned short& httpStatus, HttpServiceHeaders& requestHeaders,
                 HttpServiceHeaders& responseHeaders, const std::string& downloadFile) override;
     void release(const std::string& downloadFile) override;
+    std::uint64_t maxDocumentSize() const override { return mMaxDocumentSize.load(); }
+
+    // Platform setting: the largest body a request accepts, counted as it arrives and after
+    // decompression (a small gzip body may inflate a thousandfold); a larger one ends the transfer
+    // with STATUS_DOCUMENT_TOO_LARGE. At least 1 KiB. Applies to the requests started afterwards.
+    void setMaxDocumentSize(std::uint64_t bytes);
 
     // Replaces the extra CA file ("" for none). Applies to the connections opened afterwards; an
     // unreadable file is logged (level 2) and ignored, leaving the system's CA store alone.
@@ -81,6 +88,8 @@ public:
 
     // Number of connection handles the service holds (for tests and the developer panel).
     int handleCount() const;
+    // Requests between their start and the observer's report (for the emulator's settled signal).
+    int transfersUnderWay() const { return mTransfersUnderWay.load(); }
 
 private:
     struct Handle;
@@ -95,4 +104,6 @@ private:
     std::shared_ptr<HttpTrafficObserver> mObserver;
     std::atomic<bool> mAborted{false};
     std::atomic<int> mTimeoutCap{0};
+    std::atomic<int> mTransfersUnderWay{0};
+    std::atomic<std::uint64_t> mMaxDocumentSize{kDefaultMaxDocumentSize};
 };

@@ -1,6 +1,7 @@
 // The platform's HTTP service: one synchronous HTTP transfer per call, body into a download file.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "http/HttpServiceHeaders.h"
@@ -27,7 +28,13 @@ public:
         STATUS_HTTP_ERROR = 10,          // "HTTP status code: " + code (400 or more)
         STATUS_INVALID_REDIRECTION = 11, // "Invalid redirection detected"
         STATUS_REDIRECTION_LOOP = 12,    // "Redirection loop detected"
+        // The body (after decompression) grew beyond maxDocumentSize(); the transfer was ended
+        // there and the download file holds no more than the limit.
+        STATUS_DOCUMENT_TOO_LARGE = 15, // "Document larger than the limit of N bytes"
     };
+
+    // Largest response body, counted after decompression, that request() accepts (bytes).
+    static constexpr std::uint64_t kDefaultMaxDocumentSize = 4 * 1024 * 1024;
 
     // Bits of request()'s `flags` argument, the platform's own choice (the phonelet always passes
     // 1, and the meaning of the value is left to the platform):
@@ -71,4 +78,7 @@ public:
     // Drops what the service holds for the client that uses `downloadFile`: its connection
     // handle(s) with their open connections, and the download file itself.
     virtual void release(const std::string& downloadFile) = 0;
+
+    // The limit of STATUS_DOCUMENT_TOO_LARGE, for the text the user is shown.
+    virtual std::uint64_t maxDocumentSize() const = 0;
 };

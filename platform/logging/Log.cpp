@@ -8,6 +8,7 @@
 #include <atomic>
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 #include <map>
 #include <mutex>
@@ -87,23 +88,38 @@ void recomputeHighestSinkLevel() {
     gHighestSinkLevel = highest;
 }
 
-std::string currentThreadName() {
-    char name[32] = {0};
-    if (pthread_getname_np(pthread_self(), name, sizeof name) != 0 || name[0] == '\0') {
-        return "?";
+// Reading a thread's name costs a system call (a file read under /proc), so each thread reads its
+// own once; threads that the platform names set it here as they name themselves.
+thread_local std::string tThreadName;
+
+const std::string& currentThreadName() {
+    if (tThreadName.empty()) {
+        char name[32] = {0};
+        tThreadName =
+            pthread_getname_np(pthread_self(), name, sizeof name) != 0 || name[0] == '\0' ? "?" : name;
     }
-    return name;
+    return tThreadName;
 }
+
+// The date and time of day change once a second; each thread keeps the text of its last second.
+thread_local time_t tLastSecond = -1;
+thread_local char tSecondText[32];
+thread_local size_t tSecondLength = 0;
 
 std::string currentTime() {
     timeval now{};
     gettimeofday(&now, nullptr);
-    tm local{};
-    localtime_r(&now.tv_sec, &local);
-    char text[40];
-    const size_t length = std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local);
-    std::snprintf(text + length, sizeof text - length, ".%03ld", static_cast<long>(now.tv_usec / 1000));
-    return text;
+    if (now.tv_sec != tLastSecond) {
+        tm local{};
+        localtime_r(&now.tv_sec, &local);
+        tSecondLength = std::strftime(tSecondText, sizeof tSecondText, "%Y-%m-%d %H:%M:%S", &local);
+        tLastSecond = now.tv_sec;
+    }
+    char text[48];
+    std::memcpy(text, tSecondText, tSecondLength);
+    const int length = std::snprintf(text + tSecondLength, sizeof text - tSecondLength, ".%03ld",
+                                     static_cast<long>(now.tv_usec / 1000));
+    return std::string(text, tSecondLength + static_cast<size_t>(std::max(length, 0)));
 }
 
 std::string formatText(const char* format, va_list arguments) {
@@ -166,6 +182,23 @@ void logAppUni(const char* module, const char* sourcePath, int level, int line, 
             sink->receive(entry);
         }
     }
+}
+
+void setLogThreadName(const std::string& name) {
+    tThreadName = name.substr(0, 15);
+}
+
+int highestConfiguredLogLevel() {
+    int highest = levelConfig().otherModules;
+    for (const auto& module : levelConfig().perModule) {
+        highest = std::max(highest, module.second);
+    }
+    return highest;
+}
+
+void logSinkLevelsChanged() {
+    std::lock_guard<std::mutex> lock(gSinkMutex);
+    recomputeHighestSinkLevel();
 }
 
 void addLogSink(LogSink* sink) {

@@ -1,6 +1,8 @@
 // Platform logging: printf-style lines per module and level, to standard error and to sinks.
 #pragma once
 
+#include <string>
+
 // Levels in use: 2 error, 5 normal trace, 6 detailed trace. A line is written when its level is
 // at or below the level configured for its module. The configuration comes from the environment
 // variable AGP_LOG: a single level ("5") or a list of module:level pairs where "*" stands for
@@ -10,3 +12,10 @@ void logAppUni(const char* module, const char* sourcePath, int level, int line, 
 
 // True when a line of this module and level would be written anywhere (standard error or a sink).
 bool loggingOnAppUni(const char* module, int level);
+
+// The highest level that AGP_LOG asks for, for any module (2 without AGP_LOG).
+int highestConfiguredLogLevel();
+
+// Log lines name their thread; a thread that names itself tells logging too, which saves reading
+// the name back from the system for every line.
+void setLogThreadName(const std::string& name);

@@ -24,3 +24,6 @@ public:
 
 void addLogSink(LogSink* sink);
 void removeLogSink(LogSink* sink);
+// A sink whose maximumLevel() changed calls this, so that lines are formatted for it from now on
+// (or no longer formatted for nobody).
+void logSinkLevelsChanged();

@@ -19,7 +19,7 @@ int MediaControlService::playSystemBeep(int beepNumber) {
         logAppUni(kModule, kSource, 5, __LINE__, "playSystemBeep: beep %d", beepNumber);
     }
     std::lock_guard<std::mutex> lock(mMutex);
-    mBeeps.push_back(Beep{beepNumber, std::chrono::system_clock::now()});
+    mBeeps.push_back(Beep{beepNumber, std::chrono::system_clock::now(), ++mPlayed});
     if (mBeeps.size() > MAX_RECORDED) {
         mBeeps.pop_front();
     }

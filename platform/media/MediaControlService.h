@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <mutex>
 #include <vector>
@@ -14,6 +15,9 @@ public:
     struct Beep {
         int beepNumber = 0;
         std::chrono::system_clock::time_point when;
+        // Counts every beep since the phone started, 1 for the first: readers that only see the
+        // latest beeps tell the new ones from those they have seen by it.
+        std::uint64_t sequence = 0;
     };
     // Only the latest beeps are kept.
     static constexpr std::size_t MAX_RECORDED = 100;
@@ -26,4 +30,5 @@ public:
 private:
     mutable std::mutex mMutex;
     std::deque<Beep> mBeeps;
+    std::uint64_t mPlayed = 0;
 };

@@ -39,6 +39,11 @@ bool PhysicalInterfaceService::isSubscribed(physicalEventObserver* observer) con
     return mSubscriptions.count(observer) != 0;
 }
 
+std::size_t PhysicalInterfaceService::subscriberCount() const {
+    std::lock_guard<std::mutex> lock(mMutex);
+    return mSubscriptions.size();
+}
+
 std::string PhysicalInterfaceService::keyText(int key) {
     if (key >= 0 && key <= 9) {
         return std::string(1, static_cast<char>('0' + key));

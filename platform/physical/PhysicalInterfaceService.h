@@ -25,6 +25,7 @@ public:
     // "0".."9", "*", "#"; "" for codes that are not dialpad keys.
     static std::string keyText(int key);
     bool isSubscribed(physicalEventObserver* observer) const;
+    std::size_t subscriberCount() const;
 
 private:
     // 0 when the observer does not take keypad button events, else its delivery mode.

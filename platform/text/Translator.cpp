@@ -72,11 +72,17 @@ std::string lookUp(const std::string& language, const std::string& key) {
 Translator::Translator(const std::string& name) : mName(name), mLanguage("en") {}
 
 void Translator::setLanguage(const std::string& language) {
+    std::lock_guard<std::mutex> lock(mLanguageLock);
     mLanguage = language;
 }
 
+std::string Translator::getLanguage() const {
+    std::lock_guard<std::mutex> lock(mLanguageLock);
+    return mLanguage;
+}
+
 std::string Translator::translate(const std::string& key) const {
-    return lookUp(mLanguage, key);
+    return lookUp(getLanguage(), key);
 }
 
 std::string TranslationInfo::getText() const {

@@ -3,10 +3,20 @@
 
 #include <chrono>
 
-Semaphore::Semaphore(int initial, int maximum, bool reentrant)
-    : mCount(initial), mMaximum(maximum), mReentrant(reentrant), mNestedTakes(0) {}
+#include "threads/ThreadActivity.h"
 
-Semaphore::~Semaphore() = default;
+Semaphore::Semaphore(int initial, int maximum, bool reentrant)
+    : mCount(initial), mMaximum(maximum), mReentrant(reentrant), mNestedTakes(0) {
+    if (mMaximum == -1) {
+        ThreadActivity::workPosted(mCount);
+    }
+}
+
+Semaphore::~Semaphore() {
+    if (mMaximum == -1) {
+        ThreadActivity::workPosted(-mCount);
+    }
+}
 
 bool Semaphore::take(int timeout) {
     std::unique_lock<std::mutex> lock(mMutex);
@@ -16,12 +26,20 @@ bool Semaphore::take(int timeout) {
         return true;
     }
     auto available = [this] { return mCount > 0; };
-    if (timeout < 0) {
+    if (timeout < 0 && mMaximum == -1 && !available()) {
+        // A thread waiting for its next piece of work: idle until given some.
+        ThreadActivity::waitingForWork(true);
+        mAvailable.wait(lock, available);
+        ThreadActivity::waitingForWork(false);
+    } else if (timeout < 0) {
         mAvailable.wait(lock, available);
     } else if (!mAvailable.wait_for(lock, std::chrono::milliseconds(timeout), available)) {
         return false;
     }
     --mCount;
+    if (mMaximum == -1) {
+        ThreadActivity::workPosted(-1);
+    }
     if (mReentrant) {
         mHolder = self;
         mNestedTakes = 1;
@@ -41,6 +59,9 @@ bool Semaphore::give() {
         return false;
     }
     ++mCount;
+    if (mMaximum == -1) {
+        ThreadActivity::workPosted(1);
+    }
     mAvailable.notify_one();
     return true;
 }

@@ -1,12 +1,16 @@
 // Platform threads on std::thread, kept in a process-wide table by id.
 #include "threads/Threader.h"
 
+#include "logging/Log.h"
+
 #include <pthread.h>
 
 #include <map>
 #include <mutex>
 #include <system_error>
 #include <thread>
+
+#include "threads/ThreadActivity.h"
 
 namespace {
 
@@ -17,6 +21,7 @@ unsigned long gNextId = 1;
 void nameCurrentThread(const std::string& name) {
     // The kernel keeps at most 15 characters of a thread name.
     pthread_setname_np(pthread_self(), name.substr(0, 15).c_str());
+    setLogThreadName(name);
 }
 
 } // namespace
@@ -28,12 +33,16 @@ int Threader::start(unsigned long* threadId, Threadable* body, const std::string
     std::lock_guard<std::mutex> lock(gTableMutex);
     const unsigned long id = gNextId++;
     const std::string threadName = name.empty() ? "agp-" + std::to_string(id) : name;
+    // Counted from here, so that a thread not yet waiting for work counts as busy.
+    ThreadActivity::threadStarted();
     try {
         gThreads.emplace(id, std::thread([body, threadName] {
                              nameCurrentThread(threadName);
                              body->run();
+                             ThreadActivity::threadEnded();
                          }));
     } catch (const std::system_error&) {
+        ThreadActivity::threadEnded();
         return 0;
     }
     *threadId = id;
