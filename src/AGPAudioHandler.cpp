@@ -5,6 +5,7 @@
 #define AGP_LOG_SOURCE "./src/AGPAudioHandler.cpp"
 
 #include "AGPLog.h"
+#include "media/MediaControlServiceIfc.h"
 
 bool AGPAudioHandler::startAGPAudioHandler(MediaControlServiceIfc* service) {
     if (service == nullptr) {
@@ -13,4 +14,22 @@ bool AGPAudioHandler::startAGPAudioHandler(MediaControlServiceIfc* service) {
     }
     mService = service;
     return true;
+}
+
+int AGPAudioHandler::playBeep(AGPBeepType type) {
+    int beep = 0;
+    switch (type) {
+    case SHORT:
+        beep = MediaControlServiceIfc::BeepShort;
+        break;
+    case STANDARD:
+        beep = MediaControlServiceIfc::BeepStandard;
+        break;
+    case LONG:
+        beep = MediaControlServiceIfc::BeepLong;
+        break;
+    default:
+        return 0;
+    }
+    return mService != nullptr ? mService->playSystemBeep(beep) : 0;
 }

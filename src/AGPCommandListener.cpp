@@ -6,8 +6,6 @@
 
 #include <cstdio>
 
-#include "AGPCommonBase.h"
-#include "AGPDisplayable.h"
 #include "AGPGUIHandler.h"
 #include "AGPLog.h"
 #include "AGPMessage.h"
@@ -36,19 +34,18 @@ void AGPCommandListener::commandAction(DisplayAPI::Command* command, DisplayAPI:
         AGP_LOG(5, "Command on no displayable");
         // Widgets that belong to no element (the tab screen, for one) act for what is shown now.
         AGPGUIHandler* gui = AGPPhoneletManager::findAGPGUIHandler();
-        AGPDisplayable* current = gui != nullptr ? gui->getCurrentDisplayable() : nullptr;
-        if (current == nullptr) {
+        message.agpId = gui != nullptr ? gui->getCurrentDisplayableId() : 0;
+        if (message.agpId == 0) {
             AGP_LOG(5, "No element found for command");
             return;
         }
-        message.agpId = current->getAGPObjectID();
     }
-    message.displayable = displayable;
-    message.command = command;
-    AGPCommonBase* element = AGPPhoneletManager::getAGPObjectMap()->getAGPObject(message.agpId);
+    // Both are alive while this call runs; the queue checks them again before an element sees them.
+    message.setWidgets(command, displayable);
+    // Asked by identifier: a queue thread may delete the element at any moment.
+    const std::string typeName = AGPPhoneletManager::getAGPObjectMap()->getTypeNameOf(message.agpId);
     AGP_LOG(5, "Received command label: %s, Displayable ptr: %p, AGPID=%lu (%s)", message.label.c_str(),
-            static_cast<void*>(displayable), static_cast<unsigned long>(message.agpId),
-            element != nullptr ? AGPObjectTypeInfo::getTypeNameRef(element->getAGPObjectType()).c_str() : "");
+            static_cast<void*>(displayable), static_cast<unsigned long>(message.agpId), typeName.c_str());
     AGPMessageQueueHandler* queues = AGPPhoneletManager::findAGPMessageQueueHandler();
     if (queues != nullptr) {
         queues->addToMessageQueue(message);

@@ -4,10 +4,10 @@
 #define AGP_LOG_MODULE "AGPGUIHandler"
 #define AGP_LOG_SOURCE "./src/AGPGUIHandler.cpp"
 
-#include <unistd.h>
-
 #include <algorithm>
+#include <chrono>
 #include <ctime>
+#include <thread>
 
 #include "AGPCommandListener.h"
 #include "AGPDataObserver.h"
@@ -141,10 +141,11 @@ bool collectTree(AGPCommonBase* root, std::vector<AGPCommonBase*>& elements) {
 AGPGUIHandler::AGPGUIHandler()
     : mDisplay(nullptr), mGUILock(new Semaphore(1, 1, false)), mVisible(false), mFirstDocumentPending(true),
       mFirstTabDisplayable(0), mTabScreen(nullptr), mCommandListener(nullptr), mMenuCommandListener(nullptr),
-      mItemStateListener(nullptr), mCurrentScreen{0, 0, 0, 0}, mPhoneletManager(nullptr),
-      mDateFormat("DD.MM.YYYY"), mTimeFormat("24HR"), mMultiTabState(0), mFocusCounter(0),
+      mItemStateListener(nullptr), mPhoneletManager(nullptr),
+      mDateFormat(AGPDateTimeChangeListenerIfc::DATE_FORMAT_UNKNOWN),
+      mTimeFormat(AGPDateTimeChangeListenerIfc::TIME_FORMAT_UNKNOWN), mMultiTabState(0), mFocusCounter(0),
       mNoControlKey(true), mFirstTabPulled(false), mTabSwitchOnPush(false), mShown(false),
-      mPopupPlayer(QUEUE_COUNT, 0), mAlert(QUEUE_COUNT, 0), mTabPlaceholders(kMaxTabs, nullptr) {}
+      mTabPlaceholders(kMaxTabs, nullptr) {}
 
 AGPGUIHandler::~AGPGUIHandler() {
     if (mTabScreen != nullptr) {
@@ -196,7 +197,7 @@ void AGPGUIHandler::stopPhonelet() {
 
 void AGPGUIHandler::show() {
     mShown = true;
-    notifyEvent(getMessageQueueIdForCurrent(), AGPIppCommand::ONFOCUS);
+    notifyEventOnQueue(getMessageQueueIdForCurrent(), AGPIppCommand::ONFOCUS);
     if (mDisplay == nullptr) {
         return;
     }
@@ -213,7 +214,7 @@ void AGPGUIHandler::show() {
 
 void AGPGUIHandler::hide() {
     mShown = false;
-    notifyEvent(getMessageQueueIdForCurrent(), AGPIppCommand::ONBLUR);
+    notifyEventOnQueue(getMessageQueueIdForCurrent(), AGPIppCommand::ONBLUR);
     if (mDisplay != nullptr) {
         mDisplay->hide();
     }
@@ -234,10 +235,11 @@ bool AGPGUIHandler::checkContextMenu() {
 void AGPGUIHandler::notifyEvent(AGPQueueNumber queue, AGPIppCommand::AGPEvent event) {
     AGPDisplayable* target = nullptr;
     if (validQueue(queue)) {
-        if (mPopupPlayer[queue] != 0) {
-            target = asDisplayableOfType(lookUp(mPopupPlayer[queue]), AGPObjectTypeInfo::ti_IppPlayer);
-        } else if (mAlert[queue] != 0 && mAlert[queue] != kAllBitsSet) {
-            target = asDisplayableOfType(lookUp(mAlert[queue]), AGPObjectTypeInfo::ti_IppAlert);
+        if (mQueueState[queue].popupPlayer != 0) {
+            target =
+                asDisplayableOfType(lookUp(mQueueState[queue].popupPlayer), AGPObjectTypeInfo::ti_IppPlayer);
+        } else if (mQueueState[queue].alert != 0 && mQueueState[queue].alert != kAllBitsSet) {
+            target = asDisplayableOfType(lookUp(mQueueState[queue].alert), AGPObjectTypeInfo::ti_IppAlert);
         } else {
             AGPIppScreen* screen = getCurrentScreen(queue);
             target = screen != nullptr ? screen->getDisplayableElement() : nullptr;
@@ -254,16 +256,32 @@ void AGPGUIHandler::notifyEvent(AGPQueueNumber queue, AGPIppCommand::AGPEvent ev
     target->processNotifyEvent(event);
 }
 
+void AGPGUIHandler::notifyEventOnQueue(AGPQueueNumber queue, AGPIppCommand::AGPEvent event) {
+    runOnQueue(queue, [this, queue, event] { notifyEvent(queue, event); });
+}
+
+void AGPGUIHandler::runOnQueue(AGPQueueNumber queue, std::function<void()> work) {
+    AGPMessageQueueHandler* queues = AGPPhoneletManager::findAGPMessageQueueHandler();
+    if (queues == nullptr || !validQueue(queue)) {
+        return;
+    }
+    // The queue handler, and with it every queue thread, ends before this handler does.
+    AGPMessage message;
+    message.priority = AGPMessage::High;
+    message.task = std::move(work);
+    queues->addToMessageQueue(message, queue);
+}
+
 void AGPGUIHandler::setSelectionHighlight(bool on) {
     AGP_LOG(5, "setSelectionHighlight: showHighLight = %d, tabs displayed = %d", on,
-            static_cast<int>(mTabMap.size()));
-    if (mTabMap.size() < 2 || mTabScreen == nullptr) {
+            static_cast<int>(tabCount()));
+    if (tabCount() < 2 || mTabScreen == nullptr) {
         if (mDisplay != nullptr) {
             setSelectionHighlightForDisplayable(mDisplay->getCurrent(), on);
         }
         return;
     }
-    for (const auto& entry : mTabMap) {
+    for (const auto& entry : tabMapCopy()) {
         setSelectionHighlightForDisplayable(mTabScreen->getDisplayableForTabAtIndex(entry.second), on);
     }
 }
@@ -294,8 +312,8 @@ bool AGPGUIHandler::agpDisplayableIsCurrentAndUnobscured(AGPDisplayable* element
 // ---- Tabs ----
 
 void AGPGUIHandler::tabStatusChange(bool active) {
-    AGP_LOG(5, "tabStatusChange() called, active=%i, visible=%i, MultiTabState=%d", active, mVisible,
-            mMultiTabState);
+    AGP_LOG(5, "tabStatusChange() called, active=%i, visible=%i, MultiTabState=%d", active, mVisible.load(),
+            mMultiTabState.load());
     if (active) {
         if (mMultiTabState == 0 || mMultiTabState == 1) {
             mMultiTabState = 3;
@@ -320,14 +338,15 @@ void AGPGUIHandler::tabStatusChange(bool active) {
     }
     AGPQueueNumber currentQueue = 0;
     DisplayAPI::Displayable* widget = currentWidget(&currentQueue);
-    const bool manyTabs = mTabScreen != nullptr && mTabMap.size() >= 2;
+    const bool manyTabs = mTabScreen != nullptr && tabCount() >= 2;
     const bool softKeys = mDisplay->hasSoftKeyBar() != 0;
     bool stopped = false;
     if (manyTabs && mMultiTabState == 0) {
         mMultiTabState = 1;
         mDisplay->show();
     } else if (widget != nullptr && manyTabs && (mMultiTabState == 2 || mMultiTabState == 3)) {
-        const bool enterBar = mPopupPlayer[currentQueue] == 0 && mAlert[currentQueue] == 0;
+        const bool enterBar =
+            mQueueState[currentQueue].popupPlayer == 0 && mQueueState[currentQueue].alert == 0;
         if (!enterBar) {
             mMultiTabState = 1;
         }
@@ -375,7 +394,7 @@ void AGPGUIHandler::tabStatusChange(bool active) {
 void AGPGUIHandler::phoneletTabStatusChange(AGPMessage& message, AGPQueueNumber queue) {
     AGP_LOG(5, "phoneletTabStatusChange called (message=%s, queueId=%d)",
             message.getMessageTypeString().c_str(), queue);
-    const int tabs = static_cast<int>(mTabMap.size());
+    const int tabs = static_cast<int>(tabCount());
     if (message.type == AGPMessage::Command_Tabbar_Inactive) {
         if (queue == 0) {
             return;
@@ -427,14 +446,14 @@ void AGPGUIHandler::phoneletTabStatusChange(AGPMessage& message, AGPQueueNumber 
 }
 
 void AGPGUIHandler::tab(int direction) {
-    if (mTabScreen == nullptr || mTabMap.size() < 2 || mDisplay == nullptr) {
+    if (mTabScreen == nullptr || tabCount() < 2 || mDisplay == nullptr) {
         return;
     }
     const AGPQueueNumber queue = getMessageQueueIdForCurrent();
     if (!validQueue(queue)) {
         return;
     }
-    if (mPopupPlayer[queue] != 0 || mAlert[queue] != 0) {
+    if (mQueueState[queue].popupPlayer != 0 || mQueueState[queue].alert != 0) {
         AGP_LOG(5, "AGPGUIHandler::tab() Alert or Player displayed, disable tabbing");
         return;
     }
@@ -451,11 +470,13 @@ void AGPGUIHandler::tab(int direction) {
         AGP_LOG(5, "AGPGUIHandler::tab() tabbing not allowed, popup or context menu displayed");
         return;
     }
-    AGPIppScreen* screen = getCurrentScreen(queue);
-    if (screen != nullptr) {
-        screen->lostFocus();
-    }
-    notifyEvent(queue, AGPIppCommand::ONBLUR);
+    // Each queue's screens are told on that queue's thread: tab() may run on any thread.
+    runOnQueue(queue, [this, queue] {
+        if (AGPIppScreen* screen = getCurrentScreen(queue)) {
+            screen->lostFocus();
+        }
+        notifyEvent(queue, AGPIppCommand::ONBLUR);
+    });
     mDisplay->setCurrent(mTabScreen);
     if (direction == 1) {
         mTabScreen->nextTab();
@@ -463,16 +484,21 @@ void AGPGUIHandler::tab(int direction) {
         mTabScreen->previousTab();
     }
     const AGPQueueNumber next = getMessageQueueIdForCurrent();
-    if (validQueue(next)) {
-        AGPDisplayable* alert = asDisplayableOfType(lookUp(mAlert[next]), AGPObjectTypeInfo::ti_IppAlert);
+    runOnQueue(next, [this, next] { focusTabQueue(next); });
+}
+
+void AGPGUIHandler::focusTabQueue(AGPQueueNumber next) {
+    {
+        AGPDisplayable* alert =
+            asDisplayableOfType(lookUp(mQueueState[next].alert), AGPObjectTypeInfo::ti_IppAlert);
         AGPDisplayable* player =
-            asDisplayableOfType(lookUp(mPopupPlayer[next]), AGPObjectTypeInfo::ti_IppPlayer);
+            asDisplayableOfType(lookUp(mQueueState[next].popupPlayer), AGPObjectTypeInfo::ti_IppPlayer);
         if (alert != nullptr) {
-            showDisplayableAlert(dynamic_cast<DisplayAPI::Alert*>(widgetOf(alert)), next, mAlert[next],
-                                 AGPMessage::Unknown, true);
+            showDisplayableAlert(dynamic_cast<DisplayAPI::Alert*>(widgetOf(alert)), next,
+                                 mQueueState[next].alert, AGPMessage::Unknown, true);
         } else if (player != nullptr) {
             showDisplayablePopupPlayer(dynamic_cast<DisplayAPI::PopupPlayer*>(widgetOf(player)), next,
-                                       mPopupPlayer[next], AGPMessage::Unknown, true);
+                                       mQueueState[next].popupPlayer, AGPMessage::Unknown, true);
         } else if (AGPIppScreen* nextScreen = getCurrentScreen(next)) {
             nextScreen->gainedFocus();
         }
@@ -494,20 +520,27 @@ bool AGPGUIHandler::initTabScreen(AGPTab tab, Translator* translator) {
         }
         mTabScreen->addCommandListener(mCommandListener);
     }
-    if (mTabScreen->numberOfTabs() == 0 && mTabMap.size() == 1) {
-        const AGPTab registered = mTabMap.begin()->first;
-        mTabMap.clear();
+    if (mTabScreen->numberOfTabs() == 0 && tabCount() == 1) {
+        AGPTab registered = 0;
+        {
+            std::lock_guard<std::mutex> state(mStateLock);
+            registered = mTabMap.begin()->first;
+            mTabMap.clear();
+        }
         initTab(registered, translator);
     }
     const bool initialised = initTab(tab, translator);
-    if (initialised && mTabMap.size() == 2 && mDisplay != nullptr) {
+    if (initialised && tabCount() == 2 && mDisplay != nullptr) {
         mDisplay->setCurrent(mTabScreen);
+        // The first tab keeps showing its screen: its widget moves into the tab screen now, not
+        // when the new tab's document arrives (which may be never).
+        pullFirstTabDisplayableIntoTabScreen(tab + 1, true);
     }
     return initialised;
 }
 
 bool AGPGUIHandler::initTab(AGPTab tab, Translator* translator) {
-    if (tab < 0 || tab >= kMaxTabs || mTabScreen == nullptr || mTabMap.count(tab) != 0) {
+    if (tab < 0 || tab >= kMaxTabs || mTabScreen == nullptr || hasTab(tab)) {
         return false;
     }
     DisplayAPI::Displayable* placeholder = mTabPlaceholders[static_cast<size_t>(tab)];
@@ -521,16 +554,33 @@ bool AGPGUIHandler::initTab(AGPTab tab, Translator* translator) {
     if (mTabScreen->numberOfTabs() == 1) {
         mTabScreen->setCurrentTabIndex(0);
     }
+    std::lock_guard<std::mutex> state(mStateLock);
     const int index = static_cast<int>(mTabMap.size());
     mTabMap[tab] = index;
     return true;
 }
 
 bool AGPGUIHandler::isTabInitialized(AGPTab tab) const {
+    return hasTab(tab);
+}
+
+size_t AGPGUIHandler::tabCount() const {
+    std::lock_guard<std::mutex> state(mStateLock);
+    return mTabMap.size();
+}
+
+bool AGPGUIHandler::hasTab(AGPTab tab) const {
+    std::lock_guard<std::mutex> state(mStateLock);
     return mTabMap.count(tab) != 0;
 }
 
+std::map<AGPGUIHandler::AGPTab, int> AGPGUIHandler::tabMapCopy() const {
+    std::lock_guard<std::mutex> state(mStateLock);
+    return mTabMap;
+}
+
 AGPQueueNumber AGPGUIHandler::tabIdxToQueueId(int tabIndex) const {
+    std::lock_guard<std::mutex> state(mStateLock);
     for (const auto& entry : mTabMap) {
         if (entry.second == tabIndex) {
             return entry.first + 1;
@@ -540,6 +590,7 @@ AGPQueueNumber AGPGUIHandler::tabIdxToQueueId(int tabIndex) const {
 }
 
 int AGPGUIHandler::queueIdToTabIdx(AGPQueueNumber queue) const {
+    std::lock_guard<std::mutex> state(mStateLock);
     auto found = mTabMap.find(queue - 1);
     return found == mTabMap.end() ? 0 : found->second;
 }
@@ -548,23 +599,36 @@ AGPQueueNumber AGPGUIHandler::getMessageQueueIdForCurrent() {
     if (mTabScreen == nullptr) {
         return 0;
     }
-    if (mTabMap.size() >= 2) {
+    const auto tabs = tabMapCopy();
+    if (tabs.size() >= 2) {
         return tabIdxToQueueId(mTabScreen->getCurrentTabIndex());
     }
-    if (mTabMap.size() == 1) {
-        return mTabMap.begin()->first + 1;
-    }
-    return 0;
+    return tabs.size() == 1 ? tabs.begin()->first + 1 : 0;
 }
 
 AGPIppScreen* AGPGUIHandler::getCurrentScreen(AGPQueueNumber queue) {
-    return validQueue(queue) ? asScreen(lookUp(mCurrentScreen[queue])) : nullptr;
+    return validQueue(queue) ? asScreen(lookUp(mQueueState[queue].currentScreen)) : nullptr;
 }
 
 AGPDisplayable* AGPGUIHandler::getCurrentDisplayable() {
     // Also right while the one remaining tab is shown without the tab screen.
     AGPIppScreen* screen = getCurrentScreen(getMessageQueueIdForCurrent());
     return screen != nullptr ? screen->getDisplayableElement() : nullptr;
+}
+
+AGPId AGPGUIHandler::getCurrentDisplayableId() {
+    const AGPQueueNumber queue = getMessageQueueIdForCurrent();
+    AGPObjectMap* map = AGPPhoneletManager::findAGPObjectMap();
+    AGPId id = 0;
+    if (validQueue(queue) && map != nullptr) {
+        // Resolved under the registry lock: the screen may belong to another thread's queue.
+        map->withObject(mQueueState[queue].currentScreen, [&id](AGPCommonBase* element) {
+            AGPIppScreen* screen = asScreen(element);
+            AGPDisplayable* shown = screen != nullptr ? screen->getDisplayableElement() : nullptr;
+            id = shown != nullptr ? shown->getAGPObjectID() : 0;
+        });
+    }
+    return id;
 }
 
 void AGPGUIHandler::setCurrentDisplayableForTabAtIndexInternal(AGPQueueNumber queue,
@@ -576,8 +640,8 @@ void AGPGUIHandler::setCurrentDisplayableForTabAtIndexInternal(AGPQueueNumber qu
     }
     const int index = queueIdToTabIdx(queue);
     mTabScreen->setCurrentDisplayableForTabAtIndex(index, widget);
-    mPopupPlayer[queue] = 0;
-    mAlert[queue] = 0;
+    mQueueState[queue].popupPlayer = 0;
+    mQueueState[queue].alert = 0;
     if (type == AGPMessage::UrlRequest_XML_push_force && bringToFront) {
         mTabScreen->setCurrentTabIndex(index);
     }
@@ -590,7 +654,7 @@ void AGPGUIHandler::setCurrentDisplayableForTabAtIndexInternal(AGPQueueNumber qu
 }
 
 void AGPGUIHandler::pullFirstTabDisplayableIntoTabScreen(AGPQueueNumber queue, bool bringToFront) {
-    if (mTabMap.empty() || mFirstTabPulled || mTabScreen == nullptr) {
+    if (tabCount() == 0 || mFirstTabPulled || mTabScreen == nullptr) {
         return;
     }
     mFirstTabPulled = true;
@@ -603,24 +667,24 @@ void AGPGUIHandler::pullFirstTabDisplayableIntoTabScreen(AGPQueueNumber queue, b
             mTabScreen->getDisplayableForTabAtIndex(index) == widget) {
             return;
         }
-        const AGPId pendingAlert = mAlert[firstQueue];
+        const AGPId pendingAlert = mQueueState[firstQueue].alert;
         setCurrentDisplayableForTabAtIndexInternal(firstQueue, widget, AGPMessage::UrlRequest_XML_push_force,
                                                    bringToFront);
         if (isFullScreenType(first->getAGPObjectType())) {
             widget->setUsedWithTab(true, mTabScreen);
         }
-        mAlert[firstQueue] = pendingAlert;
+        mQueueState[firstQueue].alert = pendingAlert;
         if (firstQueue != queue) {
             showAlertForQueueIfSet(firstQueue, bringToFront, mGUILock);
         }
         return;
     }
-    if (mTabMap.size() != 2) {
+    if (tabCount() != 2) {
         AGP_LOG(2, "NULL first tab display in pullFirstTabDisplayableIntoTabScreen");
         return;
     }
     AGPQueueNumber other = 0;
-    for (const auto& entry : mTabMap) {
+    for (const auto& entry : tabMapCopy()) {
         if (entry.first + 1 != queue) {
             other = entry.first + 1;
         }
@@ -631,7 +695,7 @@ void AGPGUIHandler::pullFirstTabDisplayableIntoTabScreen(AGPQueueNumber queue, b
 }
 
 DisplayAPI::Displayable* AGPGUIHandler::removeFirstTabOutOfTabScreen() {
-    if (mTabScreen == nullptr || mTabMap.size() != 1) {
+    if (mTabScreen == nullptr || tabCount() != 1) {
         return nullptr;
     }
     DisplayAPI::Displayable* widget = mTabScreen->currentTab();
@@ -663,7 +727,7 @@ AGPCommonBase* AGPGUIHandler::elementOf(DisplayAPI::Displayable* widget) {
 
 DisplayAPI::Displayable* AGPGUIHandler::currentWidget(AGPQueueNumber* queue) {
     *queue = 0;
-    if (mTabScreen != nullptr && mTabMap.size() >= 2) {
+    if (mTabScreen != nullptr && tabCount() >= 2) {
         *queue = getMessageQueueIdForCurrent();
         return mTabScreen->currentTab();
     }
@@ -769,7 +833,7 @@ bool AGPGUIHandler::processXmlTreeObject(AGPCommonBase*& root, AGPQueueNumber qu
     for (auto screen = screens.rbegin(); screen != screens.rend(); ++screen) {
         if ((*screen)->getDisplayableElement() != nullptr) {
             cached.push_back((*screen)->getAGPObjectID());
-            mCache[queue].push_back((*screen)->getAGPObjectID());
+            mQueueState[queue].cache.push_back((*screen)->getAGPObjectID());
             display->removeChild(*screen);
         }
     }
@@ -797,13 +861,14 @@ bool AGPGUIHandler::processXmlTreeObject(AGPCommonBase*& root, AGPQueueNumber qu
     // Looked up again: a check may destroy an older copy that is also one of these screens.
     for (AGPId id : cached) {
         AGPIppScreen* screen = asScreen(lookUp(id));
-        if (screen != nullptr &&
-            std::find(mCache[queue].begin(), mCache[queue].end(), id) != mCache[queue].end()) {
+        if (screen != nullptr && std::find(mQueueState[queue].cache.begin(), mQueueState[queue].cache.end(),
+                                           id) != mQueueState[queue].cache.end()) {
             checkScreenID(screen, queue);
         }
     }
     destroyTree(display->getAGPObjectID());
-    cleanupCacheAndHistory(CACHE_MAXSIZE);
+    // This queue's own cache only: another tab's screens belong to that tab's thread.
+    trimCacheAndHistory(queue, CACHE_MAXSIZE);
     const AGPId shownId = initialId != 0 ? initialId : updateId;
     root = lookUp(shownId);
     return true;
@@ -840,7 +905,7 @@ void AGPGUIHandler::commandShowScreen(AGPIppScreen* screen, AGPQueueNumber queue
     if (screen == nullptr || !validQueue(queue)) {
         return;
     }
-    std::vector<AGPId>& cache = mCache[queue];
+    std::vector<AGPId>& cache = mQueueState[queue].cache;
     const AGPId screenId = screen->getAGPObjectID();
     auto entry = std::find(cache.begin(), cache.end(), screenId);
     if (entry == cache.end()) {
@@ -880,12 +945,12 @@ void AGPGUIHandler::commandShowScreen(AGPIppScreen* screen, AGPQueueNumber queue
     }
 
     AGPCommonBase* present = nullptr;
-    if (queue == 0 || mTabMap.size() == 1) {
+    if (queue == 0 || tabCount() == 1) {
         present = mDisplay != nullptr ? elementOf(mDisplay->getCurrent()) : nullptr;
     } else {
-        present = lookUp(mPopupPlayer[queue]);
+        present = lookUp(mQueueState[queue].popupPlayer);
         if (present == nullptr) {
-            present = lookUp(mAlert[queue]);
+            present = lookUp(mQueueState[queue].alert);
         }
         if (present == nullptr && mTabScreen != nullptr) {
             present = elementOf(mTabScreen->getDisplayableForTabAtIndex(queueIdToTabIdx(queue)));
@@ -906,18 +971,18 @@ void AGPGUIHandler::commandShowScreen(AGPIppScreen* screen, AGPQueueNumber queue
     }
 
     if (!screen->hasBack()) {
-        mHistory[queue].clear();
+        mQueueState[queue].history.clear();
     } else if (!isBack && present != nullptr) {
         AGPIppScreen* before = getCurrentScreen(queue);
         AGPDisplayable* beforeElement = before != nullptr ? before->getDisplayableElement() : nullptr;
         if (before != nullptr && before->getAGPHistory() != AGPIppScreen::HISTORY_NO &&
             beforeElement != nullptr && !isPopupType(beforeElement->getAGPObjectType())) {
-            mHistory[queue].push_back(before->getAGPObjectID());
+            mQueueState[queue].history.push_back(before->getAGPObjectID());
         }
     }
 
     screen->invokeActions();
-    if (queue == 0 || mTabMap.size() == 1 || isCurrentTabQueue(queue) ||
+    if (queue == 0 || tabCount() == 1 || isCurrentTabQueue(queue) ||
         type == AGPMessage::UrlRequest_XML_push_force) {
         screen->gainedFocus();
     }
@@ -964,7 +1029,7 @@ void AGPGUIHandler::commandShowScreen(AGPIppScreen* screen, AGPQueueNumber queue
         mTabScreen->leaveTabBar();
         mMultiTabState = 1;
     }
-    mCurrentScreen[queue] = screenId;
+    mQueueState[queue].currentScreen = screenId;
     if (shown != nullptr) {
         shown->initTimer(mCommandListener);
         shown->startTimer();
@@ -983,18 +1048,18 @@ void AGPGUIHandler::commandShowScreen(AGPIppScreen* screen, AGPQueueNumber queue
 
 void AGPGUIHandler::commandShowScreenBack(AGPQueueNumber queue, bool bringToFront) {
     AGP_LOG(5, "commandShowScreenBack: Previous screen requested");
-    if (!validQueue(queue) || mHistory[queue].empty()) {
+    if (!validQueue(queue) || mQueueState[queue].history.empty()) {
         return;
     }
-    const AGPId id = mHistory[queue].back();
-    mHistory[queue].pop_back();
+    const AGPId id = mQueueState[queue].history.back();
+    mQueueState[queue].history.pop_back();
     AGPIppScreen* screen = asScreen(lookUp(id));
     if (screen == nullptr) {
         return;
     }
     if (static_cast<long>(std::time(nullptr)) < screen->getCacheExpirationTime()) {
         reloadScreenElements(screen);
-        mCurrentScreen[queue] = 0;
+        mQueueState[queue].currentScreen = 0;
         commandShowScreen(screen, queue, true, AGPMessage::Command_Back, bringToFront);
     } else {
         screen->resendOriginatingURL(true);
@@ -1013,7 +1078,7 @@ void AGPGUIHandler::commandShowScreenID(unsigned int screenID, AGPQueueNumber qu
         return;
     }
     AGPIppScreen* found = nullptr;
-    for (AGPId id : mCache[queue]) {
+    for (AGPId id : mQueueState[queue].cache) {
         AGPIppScreen* screen = asScreen(lookUp(id));
         if (screen != nullptr && screen->getAGPID() == screenID) {
             found = screen;
@@ -1057,12 +1122,12 @@ void AGPGUIHandler::commandAlertBack(AGPQueueNumber queue, bool bringToFront) {
     if (!validQueue(queue)) {
         return;
     }
-    if (!mHistory[queue].empty()) {
+    if (!mQueueState[queue].history.empty()) {
         AGP_LOG(5, "commandAlertBack: Previous screen request");
-        const AGPId alert = mAlert[queue];
+        const AGPId alert = mQueueState[queue].alert;
         commandShowScreenBack(queue, bringToFront);
-        if (mAlert[queue] == alert) {
-            mAlert[queue] = 0;
+        if (mQueueState[queue].alert == alert) {
+            mQueueState[queue].alert = 0;
         }
         return;
     }
@@ -1071,10 +1136,11 @@ void AGPGUIHandler::commandAlertBack(AGPQueueNumber queue, bool bringToFront) {
         stopPhonelet();
         return;
     }
+    DeferredFocus focus(*this);
     CriticalSection lock(mGUILock);
     const AGPTab closed = queue - 1;
-    const bool ownTab = mTabMap.count(closed) != 0;
-    if (!ownTab || mTabMap.size() < 2) {
+    const bool ownTab = hasTab(closed);
+    if (!ownTab || tabCount() < 2) {
         DisplayAPI::Displayable* previous = findPreviousFullDisplayable(queue, false);
         if (previous == nullptr) {
             stopPhonelet();
@@ -1083,15 +1149,15 @@ void AGPGUIHandler::commandAlertBack(AGPQueueNumber queue, bool bringToFront) {
         if (mDisplay != nullptr) {
             mDisplay->setCurrent(previous);
         }
-        mAlert[queue] = 0;
+        mQueueState[queue].alert = 0;
         return;
     }
     closeTab(queue);
     if (mDisplay == nullptr) {
         return;
     }
-    if (mTabMap.size() > 1) {
-        releaseFocus(true);
+    if (tabCount() > 1) {
+        releaseFocusLater(true);
         mDisplay->setCurrent(mTabScreen);
     } else {
         DisplayAPI::Displayable* remaining = removeFirstTabOutOfTabScreen();
@@ -1102,24 +1168,34 @@ void AGPGUIHandler::commandAlertBack(AGPQueueNumber queue, bool bringToFront) {
 
 void AGPGUIHandler::closeTab(AGPQueueNumber queue) {
     const AGPTab closed = queue - 1;
-    const int closedIndex = mTabMap[closed];
-    for (auto& entry : mTabMap) {
-        if (entry.second > closedIndex) {
-            --entry.second;
+    int closedIndex = 0;
+    {
+        // Erased under the lock: the host's thread looks the tabs up at any time.
+        std::lock_guard<std::mutex> state(mStateLock);
+        closedIndex = mTabMap[closed];
+        for (auto& entry : mTabMap) {
+            if (entry.second > closedIndex) {
+                --entry.second;
+            }
         }
+        mTabMap.erase(closed);
     }
     mTabScreen->removeTabAtIndex(closedIndex);
-    mAlert[queue] = 0;
-    mCurrentScreen[queue] = 0;
-    mTabMap.erase(closed);
+    // A tab opened again later starts afresh: no popup, no way back into the closed one. Its
+    // cached screens stay until that queue trims them (one of them may be running this call).
+    mQueueState[queue].alert = 0;
+    mQueueState[queue].popupPlayer = 0;
+    mQueueState[queue].currentScreen = 0;
+    mQueueState[queue].history.clear();
 }
 
 void AGPGUIHandler::hidePopup(unsigned int screenID, AGPQueueNumber queue) {
     AGPIppScreen* screen = getCurrentScreen(queue);
     AGPDisplayable* shown = screen != nullptr ? screen->getDisplayableElement() : nullptr;
     if (shown == nullptr) {
+        // Nothing shown on the queue yet (the action runs while its screen is being built): there
+        // is no popup to hide, and going back from here would end the application.
         AGP_LOG(5, "AGPDisplayable is NULL");
-        commandAlertBack(queue, true);
         return;
     }
     if (shown->getAGPObjectType() == AGPObjectTypeInfo::ti_IppAlert && screen->getAGPID() == screenID) {
@@ -1130,10 +1206,10 @@ void AGPGUIHandler::hidePopup(unsigned int screenID, AGPQueueNumber queue) {
 }
 
 void AGPGUIHandler::showAlertForQueueIfSet(AGPQueueNumber queue, bool bringToFront, Semaphore* heldLock) {
-    if (!validQueue(queue) || mAlert[queue] == 0) {
+    if (!validQueue(queue) || mQueueState[queue].alert == 0) {
         return;
     }
-    const AGPId id = mAlert[queue];
+    const AGPId id = mQueueState[queue].alert;
     AGPDisplayable* alert = asDisplayableOfType(lookUp(id), AGPObjectTypeInfo::ti_IppAlert);
     if (alert == nullptr) {
         return;
@@ -1176,19 +1252,19 @@ void AGPGUIHandler::showFullDisplayable(DisplayAPI::Displayable* widget, AGPQueu
         return;
     }
     widget->setWrapAround(false);
-    if (queue <= 0 || mTabMap.size() == 1) {
+    if (queue <= 0 || tabCount() == 1) {
         if (mNoControlKey) {
             widget->setUsedWithTab(true, nullptr);
         }
         if (mDisplay != nullptr) {
             mDisplay->setCurrent(widget);
         }
-        if (mTabMap.size() == 1) {
+        if (tabCount() == 1) {
             mFirstTabDisplayable = static_cast<AGPId>(widget->getOwnerId());
         }
         return;
     }
-    if (mTabMap.size() >= 2) {
+    if (tabCount() >= 2) {
         pullFirstTabDisplayableIntoTabScreen(queue, bringToFront);
     }
     if (mTabScreen == nullptr) {
@@ -1211,11 +1287,11 @@ void AGPGUIHandler::showDisplayable(DisplayAPI::Displayable* widget, AGPQueueNum
         mDisplay->setCurrent(nullptr);
         return;
     }
-    if (queue <= 0 || mTabMap.size() == 1) {
+    if (queue <= 0 || tabCount() == 1) {
         mDisplay->setCurrent(widget);
         return;
     }
-    if (mTabMap.size() >= 2) {
+    if (tabCount() >= 2) {
         pullFirstTabDisplayableIntoTabScreen(queue, bringToFront);
     }
     if (mTabScreen != nullptr) {
@@ -1231,15 +1307,20 @@ void AGPGUIHandler::showOver(DisplayAPI::Displayable* widget) {
 
 void AGPGUIHandler::showPopupForced(DisplayAPI::Displayable* widget, AGPQueueNumber queue, bool isAlert,
                                     bool bringToFront) {
-    if (queue == 0 || (isAlert && mTabMap.size() < 2)) {
+    if (queue == 0 || (isAlert && tabCount() < 2)) {
         mDisplay->setCurrent(findPreviousFullDisplayable(queue));
     } else if (bringToFront && mTabScreen != nullptr) {
         selectTabOfQueue(queue);
         mDisplay->setCurrent(mTabScreen);
     }
-    // The platform must get the previous screen up before the popup comes over it.
-    sleep(1);
-    if (bringToFront) {
+    // The platform must get the previous screen up before the popup comes over it. The caller's
+    // GUI lock is given back for the wait, so the host's show and the other tabs go on meanwhile;
+    // the popup's own queue is the one waiting here, so its widget stays alive.
+    AGP_LOG(5, "showPopupForced: waiting for the previous screen");
+    mGUILock->give();
+    std::this_thread::sleep_for(std::chrono::seconds(1));
+    mGUILock->take(-1);
+    if (bringToFront && mDisplay != nullptr) {
         mDisplay->setCurrent(widget);
     }
 }
@@ -1247,6 +1328,7 @@ void AGPGUIHandler::showPopupForced(DisplayAPI::Displayable* widget, AGPQueueNum
 void AGPGUIHandler::showDisplayableAlert(DisplayAPI::Alert* widget, AGPQueueNumber queue,
                                          unsigned long alertId, AGPMessage::MessageType type,
                                          bool bringToFront) {
+    DeferredFocus focus(*this);
     CriticalSection lock(mGUILock);
     if (mDisplay == nullptr) {
         return;
@@ -1255,14 +1337,14 @@ void AGPGUIHandler::showDisplayableAlert(DisplayAPI::Alert* widget, AGPQueueNumb
         mDisplay->setCurrent(nullptr);
         return;
     }
-    const bool manyTabs = mTabMap.size() >= 2 && mTabScreen != nullptr;
+    const bool manyTabs = tabCount() >= 2 && mTabScreen != nullptr;
     bool general = false;
     if (mVisible && mFocusCounter == 0) {
         general = true;
     } else if (type == AGPMessage::UrlRequest_XML_push_active ||
                type == AGPMessage::UrlRequest_XML_push_indicate) {
         showOver(widget);
-        requestPhoneletFocus();
+        mDeferredFocus = FocusRequest;
         ++mFocusCounter;
     } else if (type == AGPMessage::UrlRequest_XML_push_force) {
         showPopupForced(widget, queue, true, bringToFront);
@@ -1273,7 +1355,7 @@ void AGPGUIHandler::showDisplayableAlert(DisplayAPI::Alert* widget, AGPQueueNumb
         general = true;
     }
     if (general) {
-        releaseFocus(bringToFront);
+        releaseFocusLater(bringToFront);
         if (!manyTabs) {
             if (bringToFront) {
                 mDisplay->setCurrent(widget);
@@ -1296,13 +1378,14 @@ void AGPGUIHandler::showDisplayableAlert(DisplayAPI::Alert* widget, AGPQueueNumb
         }
     }
     if (validQueue(queue) && queue > 0) {
-        mAlert[queue] = static_cast<AGPId>(alertId);
+        mQueueState[queue].alert = static_cast<AGPId>(alertId);
     }
 }
 
 void AGPGUIHandler::showDisplayablePopupPlayer(DisplayAPI::PopupPlayer* widget, AGPQueueNumber queue,
                                                unsigned long playerId, AGPMessage::MessageType type,
                                                bool bringToFront) {
+    DeferredFocus focus(*this);
     CriticalSection lock(mGUILock);
     if (mDisplay == nullptr) {
         return;
@@ -1315,22 +1398,22 @@ void AGPGUIHandler::showDisplayablePopupPlayer(DisplayAPI::PopupPlayer* widget, 
     if (mVisible) {
         if (type == AGPMessage::UrlRequest_XML_push_active) {
             showOver(widget);
-            requestPhoneletFocus();
+            mDeferredFocus = FocusRequest;
         } else {
             general = true;
         }
     } else if (type == AGPMessage::UrlRequest_XML_push_active ||
                type == AGPMessage::UrlRequest_XML_push_indicate) {
         showOver(widget);
-        requestPhoneletFocus();
+        mDeferredFocus = FocusRequest;
     } else if (type == AGPMessage::UrlRequest_XML_push_force) {
         showPopupForced(widget, queue, false, bringToFront);
     } else {
         general = true;
     }
     if (general) {
-        releaseFocus(bringToFront);
-        if (mTabMap.size() < 2 || mTabScreen == nullptr) {
+        releaseFocusLater(bringToFront);
+        if (tabCount() < 2 || mTabScreen == nullptr) {
             if (bringToFront) {
                 mDisplay->setCurrent(widget);
             }
@@ -1346,7 +1429,7 @@ void AGPGUIHandler::showDisplayablePopupPlayer(DisplayAPI::PopupPlayer* widget, 
         }
     }
     if (validQueue(queue) && queue > 0) {
-        mPopupPlayer[queue] = static_cast<AGPId>(playerId);
+        mQueueState[queue].popupPlayer = static_cast<AGPId>(playerId);
     }
 }
 
@@ -1356,7 +1439,7 @@ DisplayAPI::Displayable* AGPGUIHandler::findPreviousFullDisplayable(AGPQueueNumb
                                                                     bool allowNoHistory) {
     AGPDisplayable* found = nullptr;
     if (validQueue(queue)) {
-        const std::vector<AGPId>& history = mHistory[queue];
+        const std::vector<AGPId>& history = mQueueState[queue].history;
         for (auto id = history.rbegin(); id != history.rend() && found == nullptr; ++id) {
             AGPCommonBase* element = lookUp(*id);
             if (AGPIppScreen* screen = asScreen(element)) {
@@ -1367,7 +1450,7 @@ DisplayAPI::Displayable* AGPGUIHandler::findPreviousFullDisplayable(AGPQueueNumb
                 AGP_LOG(5, "findPreviousFullDisplayable: Previous full displayable found in history");
             }
         }
-        const std::vector<AGPId>& cache = mCache[queue];
+        const std::vector<AGPId>& cache = mQueueState[queue].cache;
         for (auto id = cache.rbegin(); id != cache.rend() && found == nullptr; ++id) {
             AGPIppScreen* screen = asScreen(lookUp(*id));
             if (screen == nullptr ||
@@ -1398,7 +1481,7 @@ bool AGPGUIHandler::isInHistory(AGPIppScreen* screen, AGPQueueNumber queue) {
         return false;
     }
     const AGPId id = screen->getAGPObjectID();
-    for (AGPId entry : mHistory[queue]) {
+    for (AGPId entry : mQueueState[queue].history) {
         if (entry == id && lookUp(entry) != nullptr) {
             return true;
         }
@@ -1425,7 +1508,7 @@ bool AGPGUIHandler::eraseSameScreenID(AGPIppScreen* screen, AGPQueueNumber queue
     if (shown == nullptr || !validQueue(queue)) {
         return false;
     }
-    std::vector<AGPId>& cache = mCache[queue];
+    std::vector<AGPId>& cache = mQueueState[queue].cache;
     for (auto entry = cache.begin(); entry != cache.end(); ++entry) {
         AGPIppScreen* older = asScreen(lookUp(*entry));
         AGPDisplayable* olderElement = older != nullptr ? older->getDisplayableElement() : nullptr;
@@ -1447,20 +1530,34 @@ bool AGPGUIHandler::eraseSameScreenID(AGPIppScreen* screen, AGPQueueNumber queue
 }
 
 void AGPGUIHandler::cleanupCacheAndHistory(int maxSize) {
-    AGP_LOG(5, "cleanupCacheAndHistory called");
-    const size_t limit = maxSize < 0 ? 0 : static_cast<size_t>(maxSize);
     for (AGPQueueNumber queue = 0; queue < QUEUE_COUNT; ++queue) {
-        std::vector<AGPId>& cache = mCache[queue];
-        std::vector<AGPId>& history = mHistory[queue];
-        while (cache.size() > limit) {
-            const AGPId id = cache.front();
-            cache.erase(cache.begin());
-            auto last = std::find(history.rbegin(), history.rend(), id);
-            if (last != history.rend()) {
-                history.erase(history.begin(), last.base());
-            }
-            destroyTree(id);
+        trimCacheAndHistory(queue, maxSize);
+    }
+}
+
+void AGPGUIHandler::trimCacheAndHistory(AGPQueueNumber queue, int maxSize) {
+    AGP_LOG(5, "cleanupCacheAndHistory called");
+    if (!validQueue(queue)) {
+        return;
+    }
+    const size_t limit = maxSize < 0 ? 0 : static_cast<size_t>(maxSize);
+    std::vector<AGPId>& cache = mQueueState[queue].cache;
+    std::vector<AGPId>& history = mQueueState[queue].history;
+    // The screen on show stays while anything else can go (it is the last one left at size 0).
+    const AGPId shown = limit > 0 ? mQueueState[queue].currentScreen.load() : 0;
+    auto victim = cache.begin();
+    while (cache.size() > limit && victim != cache.end()) {
+        if (*victim == shown) {
+            ++victim;
+            continue;
         }
+        const AGPId id = *victim;
+        victim = cache.erase(victim);
+        auto last = std::find(history.rbegin(), history.rend(), id);
+        if (last != history.rend()) {
+            history.erase(history.begin(), last.base());
+        }
+        destroyTree(id);
     }
 }
 
@@ -1480,8 +1577,13 @@ void AGPGUIHandler::removeFocusListener(AGPPhoneletFocusListenerIfc* listener) {
 }
 
 void AGPGUIHandler::notifyFocusListeners(FocusNotification notification) {
-    CriticalSection lock(mGUILock);
-    for (AGPPhoneletFocusListenerIfc* listener : mFocusListeners) {
+    // Told from a copy and without the lock: a listener may add or remove listeners.
+    std::vector<AGPPhoneletFocusListenerIfc*> listeners;
+    {
+        CriticalSection lock(mGUILock);
+        listeners = mFocusListeners;
+    }
+    for (AGPPhoneletFocusListenerIfc* listener : listeners) {
         if (notification == FocusHidden) {
             listener->phoneletHidden();
         } else {
@@ -1491,11 +1593,67 @@ void AGPGUIHandler::notifyFocusListeners(FocusNotification notification) {
 }
 
 void AGPGUIHandler::setDateFormat(const std::string& format) {
-    mDateFormat = format;
+    const auto lock = lockDateTimeListeners();
+    const AGPDateTimeChangeListenerIfc::AGPDateFormat newFormat =
+        AGPDateTimeChangeListenerIfc::getDateFormat(format);
+    const AGPDateTimeChangeListenerIfc::AGPDateFormat oldFormat = mDateFormat.exchange(newFormat);
+    if (oldFormat == newFormat) {
+        return;
+    }
+    AGP_LOG(5, "Date format changed from %d to %d", static_cast<int>(oldFormat), static_cast<int>(newFormat));
+    for (AGPDateTimeChangeListenerIfc* listener : mDateTimeListeners) {
+        listener->dateFormatChanged(oldFormat, newFormat);
+    }
 }
 
 void AGPGUIHandler::setTimeFormat(const std::string& format) {
-    mTimeFormat = format;
+    const auto lock = lockDateTimeListeners();
+    const AGPDateTimeChangeListenerIfc::AGPTimeFormat newFormat =
+        AGPDateTimeChangeListenerIfc::getTimeFormat(format);
+    const AGPDateTimeChangeListenerIfc::AGPTimeFormat oldFormat = mTimeFormat.exchange(newFormat);
+    if (oldFormat == newFormat) {
+        return;
+    }
+    AGP_LOG(5, "Time format changed from %d to %d", static_cast<int>(oldFormat), static_cast<int>(newFormat));
+    for (AGPDateTimeChangeListenerIfc* listener : mDateTimeListeners) {
+        listener->timeFormatChanged(oldFormat, newFormat);
+    }
+}
+
+void AGPGUIHandler::addDateTimeChangeListener(AGPDateTimeChangeListenerIfc* listener) {
+    if (listener == nullptr) {
+        return;
+    }
+    const auto lock = lockDateTimeListeners();
+    mDateTimeListeners.push_back(listener);
+}
+
+void AGPGUIHandler::removeDateTimeChangeListener(AGPDateTimeChangeListenerIfc* listener) {
+    const auto lock = lockDateTimeListeners();
+    mDateTimeListeners.erase(std::remove(mDateTimeListeners.begin(), mDateTimeListeners.end(), listener),
+                             mDateTimeListeners.end());
+}
+
+void AGPGUIHandler::releaseFocusLater(bool bringToFront) {
+    if (mFocusCounter != 0 && bringToFront) {
+        mFocusCounter = 0;
+        mDeferredFocus = FocusRelease;
+    }
+}
+
+void AGPGUIHandler::applyDeferredFocus() {
+    switch (mDeferredFocus.exchange(FocusNone)) {
+    case FocusRequest:
+        requestPhoneletFocus();
+        break;
+    case FocusRelease:
+        if (AGPPhonelet* phonelet = AGPPhoneletManager::getAGPPhonelet()) {
+            phonelet->AGPReleaseFocus();
+        }
+        break;
+    default:
+        break;
+    }
 }
 
 void AGPGUIHandler::releaseFocus(bool bringToFront) {
@@ -1509,17 +1667,17 @@ void AGPGUIHandler::releaseFocus(bool bringToFront) {
 }
 
 std::vector<AGPId> AGPGUIHandler::getCache(AGPQueueNumber queue) const {
-    return validQueue(queue) ? mCache[queue] : std::vector<AGPId>();
+    return validQueue(queue) ? mQueueState[queue].cache : std::vector<AGPId>();
 }
 
 std::vector<AGPId> AGPGUIHandler::getHistory(AGPQueueNumber queue) const {
-    return validQueue(queue) ? mHistory[queue] : std::vector<AGPId>();
+    return validQueue(queue) ? mQueueState[queue].history : std::vector<AGPId>();
 }
 
 AGPId AGPGUIHandler::getAlertId(AGPQueueNumber queue) const {
-    return validQueue(queue) ? mAlert[static_cast<size_t>(queue)] : 0;
+    return validQueue(queue) ? mQueueState[queue].alert.load() : 0;
 }
 
 AGPId AGPGUIHandler::getPopupPlayerId(AGPQueueNumber queue) const {
-    return validQueue(queue) ? mPopupPlayer[static_cast<size_t>(queue)] : 0;
+    return validQueue(queue) ? mQueueState[queue].popupPlayer.load() : 0;
 }

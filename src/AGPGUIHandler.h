@@ -2,10 +2,13 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <map>
+#include <mutex>
 #include <string>
 #include <vector>
 
+#include "AGPDateTimeChangeListenerIfc.h"
 #include "AGPIppCommand.h"
 #include "AGPMessage.h"
 #include "AGPTypes.h"
@@ -62,6 +65,8 @@ public:
     AGPQueueNumber getMessageQueueIdForCurrent();
     AGPIppScreen* getCurrentScreen(AGPQueueNumber queue);
     AGPDisplayable* getCurrentDisplayable();
+    // The identifier of the displayable element shown now (0 for none); safe on any thread.
+    AGPId getCurrentDisplayableId();
 
     // Installs a parsed document on `queue`. On true the tree belongs to the cache and `root`
     // designates the screen shown; on false the caller still owns (and deletes) `root`.
@@ -97,10 +102,18 @@ public:
     bool isInHistory(AGPIppScreen* screen, AGPQueueNumber queue);
     bool checkScreenID(AGPIppScreen* screen, AGPQueueNumber queue);
     bool eraseSameScreenID(AGPIppScreen* screen, AGPQueueNumber queue);
+    // Trims every queue's cache; only when no queue thread runs (the destructor).
     void cleanupCacheAndHistory(int maxSize);
+    // Trims `queue`'s cache to `maxSize` screens, oldest first, never its screen on show; on
+    // `queue`'s own thread.
+    void trimCacheAndHistory(AGPQueueNumber queue, int maxSize);
     void reloadScreenElements(AGPIppScreen* screen);
 
     void notifyEvent(AGPQueueNumber queue, AGPIppCommand::AGPEvent event);
+    // The same from a thread other than the queue's: the queue's thread tells its element.
+    void notifyEventOnQueue(AGPQueueNumber queue, AGPIppCommand::AGPEvent event);
+    // Runs `work` on `queue`'s thread, the only one that may use that queue's elements.
+    void runOnQueue(AGPQueueNumber queue, std::function<void()> work);
     void setSelectionHighlight(bool on);
     void setSelectionHighlightForDisplayable(DisplayAPI::Displayable* widget, bool on);
     bool checkContextMenu();
@@ -114,10 +127,20 @@ public:
     void addFocusListener(AGPPhoneletFocusListenerIfc* listener);
     void removeFocusListener(AGPPhoneletFocusListenerIfc* listener);
 
+    // The phone's format texts; a change of format is told to every date/time listener, in
+    // registration order, on the caller's thread.
     void setDateFormat(const std::string& format);
     void setTimeFormat(const std::string& format);
-    const std::string& getDateFormat() const { return mDateFormat; }
-    const std::string& getTimeFormat() const { return mTimeFormat; }
+    AGPDateTimeChangeListenerIfc::AGPDateFormat getDateFormat() const { return mDateFormat; }
+    AGPDateTimeChangeListenerIfc::AGPTimeFormat getTimeFormat() const { return mTimeFormat; }
+    // Listeners are kept without a duplicate check; removing one removes every occurrence. A
+    // listener that changes its widgets takes lockDateTimeListeners() around the change, so that
+    // no notification reaches a widget being deleted.
+    void addDateTimeChangeListener(AGPDateTimeChangeListenerIfc* listener);
+    void removeDateTimeChangeListener(AGPDateTimeChangeListenerIfc* listener);
+    std::unique_lock<std::recursive_mutex> lockDateTimeListeners() {
+        return std::unique_lock<std::recursive_mutex>(mDateTimeListenerLock);
+    }
 
     void releaseFocus(bool bringToFront);
     void resetFocusCounter() { mFocusCounter = 0; }
@@ -138,13 +161,33 @@ public:
     bool isVisible() const { return mVisible; }
 
 private:
+    // Focus requests and releases decided while the GUI lock is held go to the platform only
+    // once it is released: the platform may call straight back into show or hide. Declared
+    // before the lock's CriticalSection, so that it runs after the lock is given back.
+    enum DeferredFocusAction { FocusNone = 0, FocusRequest = 1, FocusRelease = 2 };
+    class DeferredFocus {
+    public:
+        explicit DeferredFocus(AGPGUIHandler& handler) : mHandler(handler) {}
+        ~DeferredFocus() { mHandler.applyDeferredFocus(); }
+        DeferredFocus(const DeferredFocus&) = delete;
+        DeferredFocus& operator=(const DeferredFocus&) = delete;
+
+    private:
+        AGPGUIHandler& mHandler;
+    };
+    void releaseFocusLater(bool bringToFront);
+    void applyDeferredFocus();
+
     void notifyFocusListeners(FocusNotification notification);
     void showFullDisplayable(DisplayAPI::Displayable* widget, AGPQueueNumber queue,
                              AGPMessage::MessageType type, bool bringToFront);
     // Makes the display show nothing and then `widget`, so a popup is raised even when current.
     void showOver(DisplayAPI::Displayable* widget);
+    // Called with the GUI lock held; gives it back while it waits for the previous screen.
     void showPopupForced(DisplayAPI::Displayable* widget, AGPQueueNumber queue, bool isAlert,
                          bool bringToFront);
+    // After a tab switch, on the new tab's queue thread: its popup again, or its screen's focus.
+    void focusTabQueue(AGPQueueNumber next);
     void selectTabOfQueue(AGPQueueNumber queue);
     bool isCurrentTabQueue(AGPQueueNumber queue);
     void closeTab(AGPQueueNumber queue);
@@ -153,35 +196,51 @@ private:
     // The widget that the focus logic looks at: the current tab's with two or more tabs.
     DisplayAPI::Displayable* currentWidget(AGPQueueNumber* queue);
     bool validQueue(AGPQueueNumber queue) const { return queue >= 0 && queue < QUEUE_COUNT; }
+    size_t tabCount() const;
+    bool hasTab(AGPTab tab) const;
+    std::map<AGPTab, int> tabMapCopy() const;
 
     DisplayAPI::Display* mDisplay;
     Semaphore* mGUILock;
-    bool mVisible;
+    // Flags of the life cycle and the tab bar: set by life-cycle calls on the host's thread and by
+    // queue threads, read by both.
+    std::atomic<bool> mVisible;
     bool mFirstDocumentPending;
     // Kept as the element identifier so that a widget deleted meanwhile is never touched.
-    AGPId mFirstTabDisplayable;
+    std::atomic<AGPId> mFirstTabDisplayable;
     DisplayAPI::TabScreen* mTabScreen;
     AGPCommandListener* mCommandListener;
     AGPMenuCommandListener* mMenuCommandListener;
     AGPItemStateListener* mItemStateListener;
-    // Identifiers rather than pointers: a cached screen may be destroyed by a cleanup. Written by
-    // the queue threads that install documents and read by the life-cycle calls on the host's
-    // thread without the GUI lock, hence atomic.
-    std::atomic<AGPId> mCurrentScreen[QUEUE_COUNT];
     PhoneletManagerIfc* mPhoneletManager;
-    std::string mDateFormat;
-    std::string mTimeFormat;
-    unsigned int mMultiTabState;
-    unsigned int mFocusCounter;
+    // Written on the host's thread, read by the queue threads.
+    std::atomic<AGPDateTimeChangeListenerIfc::AGPDateFormat> mDateFormat;
+    std::atomic<AGPDateTimeChangeListenerIfc::AGPTimeFormat> mTimeFormat;
+    std::recursive_mutex mDateTimeListenerLock;
+    std::vector<AGPDateTimeChangeListenerIfc*> mDateTimeListeners;
+    std::atomic<unsigned int> mMultiTabState;
+    std::atomic<unsigned int> mFocusCounter;
     bool mNoControlKey;
-    bool mFirstTabPulled;
-    bool mTabSwitchOnPush;
-    bool mShown;
-    std::vector<AGPId> mPopupPlayer;
-    std::vector<AGPId> mAlert;
+    std::atomic<bool> mFirstTabPulled;
+    std::atomic<bool> mTabSwitchOnPush;
+    std::atomic<bool> mShown;
     std::vector<DisplayAPI::Displayable*> mTabPlaceholders;
+    // What the handler keeps per queue. Identifiers rather than pointers: the queue's thread may
+    // destroy any screen at any time. The slots are written by the queue's thread and read by
+    // every thread, hence atomic. Cache and history belong to the queue's thread alone (and to
+    // the destructor, after the threads have stopped).
+    struct QueueState {
+        std::atomic<AGPId> currentScreen{0};
+        std::atomic<AGPId> alert{0};
+        std::atomic<AGPId> popupPlayer{0};
+        std::vector<AGPId> cache;
+        std::vector<AGPId> history;
+    };
+    QueueState mQueueState[QUEUE_COUNT];
+    // Tab number to index in the tab screen. The host's thread reads it while queue threads
+    // open and close tabs: every access holds mStateLock, which is held for nothing else.
+    mutable std::mutex mStateLock;
     std::map<AGPTab, int> mTabMap;
-    std::vector<AGPId> mCache[QUEUE_COUNT];
-    std::vector<AGPId> mHistory[QUEUE_COUNT];
     std::vector<AGPPhoneletFocusListenerIfc*> mFocusListeners;
+    std::atomic<int> mDeferredFocus{FocusNone};
 };

@@ -12,7 +12,7 @@ void AGPItemStateListener::itemStateChanged(DisplayAPI::Item* item) {
     }
     AGPMessage message(AGPMessage::Command_Item_state_changed, "");
     message.agpId = static_cast<AGPId>(item->getOwnerId());
-    message.displayable = item;
+    message.setWidgets(nullptr, item);
     AGPMessageQueueHandler* queues = AGPPhoneletManager::findAGPMessageQueueHandler();
     if (queues != nullptr) {
         queues->addToMessageQueue(message);

@@ -30,8 +30,7 @@ void AGPMenuCommandListener::commandAction(DisplayAPI::Command* command,
     message.type = static_cast<AGPMessage::MessageType>(menuCommand->getId());
     message.label = command->getBasicText();
     message.agpId = static_cast<AGPId>(displayable != nullptr ? displayable->getOwnerId() : 0);
-    message.command = command;
-    message.displayable = displayable;
+    message.setWidgets(command, displayable);
     AGP_LOG(5, "Received MenuCommand label: %s, Displayable ptr: %p, AGPID=%lu", message.label.c_str(),
             static_cast<void*>(displayable), static_cast<unsigned long>(message.agpId));
     AGPMessageQueueHandler* queues = AGPPhoneletManager::findAGPMessageQueueHandler();

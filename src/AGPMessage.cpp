@@ -66,3 +66,20 @@ bool operator<(const AGPMessage& a, const AGPMessage& b) {
     }
     return b.id < a.id;
 }
+
+void AGPMessage::setWidgets(DisplayAPI::Command* widgetCommand, DisplayAPI::Displayable* widget) {
+    command = widgetCommand;
+    displayable = widget;
+    mWatched = true;
+    mCommandLife =
+        widgetCommand != nullptr ? widgetCommand->ref() : DisplayAPI::core::Ref<DisplayAPI::Command>();
+    mDisplayableLife = widget != nullptr ? widget->ref() : DisplayAPI::core::Ref<DisplayAPI::Displayable>();
+}
+
+bool AGPMessage::widgetsAlive() const {
+    if (!mWatched) {
+        return true;
+    }
+    return (command == nullptr || mCommandLife.get() != nullptr) &&
+           (displayable == nullptr || mDisplayableLife.get() != nullptr);
+}

@@ -2,14 +2,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "AGPTypes.h"
-
-namespace DisplayAPI {
-class Command;
-class Displayable;
-} // namespace DisplayAPI
+#include "display/Command.h"
+#include "display/Displayable.h"
 
 class AGPMessage {
 public:
@@ -68,6 +66,14 @@ public:
     std::string getMessageTypeString() const { return getMessageTypeString(type); }
     std::string getMessagePrioString() const;
 
+    // Records the widget and command a listener was told about, with watches on their lives:
+    // call only inside the listener, while both are guaranteed alive.
+    void setWidgets(DisplayAPI::Command* widgetCommand, DisplayAPI::Displayable* widget);
+    // False when a widget or command recorded by setWidgets has been deleted since; the queue
+    // thread checks this before an element sees the pointers (it deletes its own widgets only on
+    // that same thread, so they stay valid while it processes the message).
+    bool widgetsAlive() const;
+
     MessageType type = Unknown;
     std::uint32_t id = 0;
     std::int32_t priority = Low;
@@ -78,6 +84,14 @@ public:
     DisplayAPI::Command* command = nullptr;
     DisplayAPI::Displayable* displayable = nullptr;
     bool bringToFront = true;
+    // Work that another thread hands to the queue's thread because it touches that queue's
+    // elements, which only that thread may use; run instead of processing the message.
+    std::function<void()> task;
+
+private:
+    bool mWatched = false;
+    DisplayAPI::core::Ref<DisplayAPI::Command> mCommandLife;
+    DisplayAPI::core::Ref<DisplayAPI::Displayable> mDisplayableLife;
 };
 
 // Queue order of the max-heap: higher priority first, and first in, first out within a priority.

@@ -8,6 +8,7 @@
 
 #include "AGPCommonBase.h"
 #include "AGPGUIHandler.h"
+#include "AGPImage.h"
 #include "AGPLog.h"
 #include "AGPObjectMap.h"
 #include "AGPPhonelet.h"
@@ -123,18 +124,23 @@ void AGPMessageQueue::run() {
 }
 
 void AGPMessageQueue::processMessage(AGPMessage& msg) {
+    if (msg.task) {
+        msg.task();
+        return;
+    }
     if (AGPPhoneletManager::findAGPServerConnection() == nullptr) {
         AGP_LOG(2, "Can't get AGPServerConnection");
         return;
     }
-    AGPCommonBase* element = AGPPhoneletManager::getAGPObjectMap()->getAGPObject(msg.agpId);
-    const char* elementName =
-        element != nullptr ? AGPObjectTypeInfo::getTypeNameRef(element->getAGPObjectType()).c_str() : "--";
+    std::string elementName = AGPPhoneletManager::getAGPObjectMap()->getTypeNameOf(msg.agpId);
+    if (elementName.empty()) {
+        elementName = "--";
+    }
     AGP_LOG(6,
             "Process message queueId: %d, type: %s, prio: %s, id:%d, AGPID:%lu, AGPElem: %s from AGP Message "
             "Queue\nMessage content: %s",
             mQueueId, msg.getMessageTypeString().c_str(), msg.getMessagePrioString().c_str(),
-            static_cast<int>(msg.id), static_cast<unsigned long>(msg.agpId), elementName,
+            static_cast<int>(msg.id), static_cast<unsigned long>(msg.agpId), elementName.c_str(),
             msg.content.c_str());
 
     switch (msg.type) {
@@ -276,15 +282,20 @@ void AGPMessageQueue::processImageRequest(AGPMessage& msg) {
     if (AGPPhoneletManager::isErrorDocumentShown()) {
         return;
     }
-    // Picture elements download themselves; until the factory creates them no message can
-    // name one, and a message for a deleted element is dropped here.
+    // Picture elements download themselves; a message for a deleted element is dropped here.
     AGPCommonBase* element = AGPPhoneletManager::getAGPObjectMap()->getAGPObject(msg.agpId);
     if (element == nullptr || element->getAGPObjectType() != AGPObjectTypeInfo::ti_Image) {
         return;
     }
+    static_cast<AGPImage*>(element)->downloadImage(msg.content, true);
 }
 
 void AGPMessageQueue::processCommand(AGPMessage& msg) {
+    if (!msg.widgetsAlive()) {
+        // The widget or command went with its screen after the key was pressed.
+        AGP_LOG(5, "Command for a deleted widget dropped, AGPID=%lu", static_cast<unsigned long>(msg.agpId));
+        return;
+    }
     AGPCommonBase* element = AGPPhoneletManager::getAGPObjectMap()->getAGPObject(msg.agpId);
     if (element != nullptr) {
         element->processMessage(msg);

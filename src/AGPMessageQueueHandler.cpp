@@ -6,7 +6,6 @@
 
 #include <cstdio>
 
-#include "AGPCommonBase.h"
 #include "AGPLog.h"
 #include "AGPMessageQueue.h"
 #include "AGPObjectMap.h"
@@ -75,10 +74,8 @@ AGPMessageQueue* AGPMessageQueueHandler::getMessageQueue(messageQueueId id) {
 }
 
 bool AGPMessageQueueHandler::addToMessageQueue(AGPMessage& msg, messageQueueId id) {
-    AGPCommonBase* element = AGPPhoneletManager::getAGPObjectMap()->getAGPObject(msg.agpId);
-    if (element != nullptr && element->getQueueID() != id) {
-        id = element->getQueueID();
-    }
+    // Asked by identifier: callers on other threads must not touch the element itself.
+    AGPPhoneletManager::getAGPObjectMap()->getQueueOf(msg.agpId, id);
     if (id < 0 || id >= numberOfQueues()) {
         AGP_LOG(5, "Invalid queueId %d, message discarded", id);
         return false;

@@ -2,10 +2,10 @@
 #include "AGPObjectMap.h"
 
 #include <cstdio>
+#include <limits>
 #include <vector>
 
 #include "AGPCommonBase.h"
-#include "threads/CriticalSection.h"
 
 AGPObjectMap::AGPObjectMap() : mNextAGPId(1), mLock(new Semaphore(1, 1, true)) {}
 
@@ -16,9 +16,14 @@ AGPObjectMap::~AGPObjectMap() {
 
 AGPId AGPObjectMap::addAGPObject(AGPCommonBase* element) {
     CriticalSection lock(mLock);
-    if (!mObjects.emplace(mNextAGPId, element).second) {
-        return 0;
+    if (mObjects.count(mNextAGPId) != 0) {
+        // Only after the counter went round: identifiers from the first round may still live.
+        mNextAGPId = lowestFreeId();
+        if (mNextAGPId == 0) {
+            return 0;
+        }
     }
+    mObjects.emplace(mNextAGPId, element);
     const std::string& typeName = AGPObjectTypeInfo::getTypeNameRef(element->getAGPObjectType());
     auto count = mTypeCounts.find(typeName);
     if (count == mTypeCounts.end()) {
@@ -33,17 +38,60 @@ AGPId AGPObjectMap::addAGPObject(AGPCommonBase* element) {
     return id;
 }
 
-AGPCommonBase* AGPObjectMap::getAGPObject(AGPId id) {
+// The map is ordered, so the first gap in its keys from 1 on is the lowest free identifier.
+AGPId AGPObjectMap::lowestFreeId() const {
+    AGPId candidate = 1;
+    for (auto it = mObjects.lower_bound(1); it != mObjects.end() && it->first == candidate; ++it) {
+        if (candidate == std::numeric_limits<AGPId>::max()) {
+            return 0; // every identifier is in use
+        }
+        ++candidate;
+    }
+    return candidate;
+}
+
+void AGPObjectMap::setNextIdForTesting(AGPId id) {
     CriticalSection lock(mLock);
+    mNextAGPId = id == 0 ? 1 : id;
+}
+
+AGPCommonBase* AGPObjectMap::findLocked(AGPId id) {
     auto found = mObjects.find(id);
     return found == mObjects.end() ? nullptr : found->second;
 }
 
-bool AGPObjectMap::removeAGPObject(AGPId id) {
+AGPCommonBase* AGPObjectMap::getAGPObject(AGPId id) {
     CriticalSection lock(mLock);
+    return findLocked(id);
+}
+
+bool AGPObjectMap::getQueueOf(AGPId id, AGPQueueNumber& queue) {
+    CriticalSection lock(mLock);
+    AGPCommonBase* element = findLocked(id);
+    if (element == nullptr) {
+        return false;
+    }
+    queue = element->getQueueID();
+    return true;
+}
+
+AGPObjectTypeInfo::AGPObjectType AGPObjectMap::getTypeOf(AGPId id) {
+    CriticalSection lock(mLock);
+    AGPCommonBase* element = findLocked(id);
+    return element != nullptr ? element->getAGPObjectType() : AGPObjectTypeInfo::ti_NoType;
+}
+
+std::string AGPObjectMap::getTypeNameOf(AGPId id) {
+    CriticalSection lock(mLock);
+    AGPCommonBase* element = findLocked(id);
+    return element != nullptr ? AGPObjectTypeInfo::getTypeNameRef(element->getAGPObjectType())
+                              : std::string();
+}
+
+void AGPObjectMap::forgetLocked(AGPId id) {
     auto found = mObjects.find(id);
     if (found == mObjects.end()) {
-        return false;
+        return;
     }
     AGPCommonBase* element = found->second;
     mObjects.erase(found);
@@ -54,17 +102,30 @@ bool AGPObjectMap::removeAGPObject(AGPId id) {
     } else {
         --count->second;
     }
+}
+
+bool AGPObjectMap::removeAGPObject(AGPId id) {
+    CriticalSection lock(mLock);
+    if (findLocked(id) == nullptr) {
+        return false;
+    }
+    forgetLocked(id);
     return true;
 }
 
 bool AGPObjectMap::removeAGPObjectTree(AGPId id) {
-    CriticalSection lock(mLock);
-    AGPCommonBase* root = getAGPObject(id);
-    if (root == nullptr) {
-        return false;
-    }
     std::vector<AGPCommonBase*> tree;
-    AGPCommonBase::createTreeExplorationVector(root, tree);
+    {
+        CriticalSection lock(mLock);
+        AGPCommonBase* root = findLocked(id);
+        if (root == nullptr) {
+            return false;
+        }
+        AGPCommonBase::createTreeExplorationVector(root, tree);
+        for (AGPCommonBase* element : tree) {
+            forgetLocked(element->getAGPObjectID());
+        }
+    }
     for (AGPCommonBase* element : tree) {
         delete element;
     }

@@ -4,11 +4,18 @@
 #include <map>
 #include <string>
 
+#include "AGPObjectTypeInfo.h"
 #include "AGPTypes.h"
+#include "threads/CriticalSection.h"
 
 class AGPCommonBase;
-class Semaphore;
 
+// Lifetime rule of elements: an element belongs to the queue thread that installs it, which alone
+// deletes it, and only through removeAGPObjectTree (or, for a lone element, its own destructor,
+// which unregisters it first). A tree leaves the registry as a whole before any of it is deleted,
+// so an element found here under the lock is whole for as long as the lock is held. Other
+// threads therefore ask by identifier (getQueueOf, getTypeOf, withObject) and never keep a
+// pointer they got here beyond the lock.
 class AGPObjectMap {
 public:
     AGPObjectMap();
@@ -17,11 +24,33 @@ public:
     AGPObjectMap(const AGPObjectMap&) = delete;
     AGPObjectMap& operator=(const AGPObjectMap&) = delete;
 
-    // Registers `element` under the next identifier; 0 when that identifier is still in use.
+    // Registers `element` under the next identifier of a counting one. Once the counter has gone
+    // round and meets an identifier still in use, the lowest free identifier is handed out and the
+    // counter goes on from there. 0 only when every identifier is in use.
     AGPId addAGPObject(AGPCommonBase* element);
+    // The element itself: only for the queue thread that owns it (see above).
     AGPCommonBase* getAGPObject(AGPId id);
+    // The queue of a registered element; false (and `queue` untouched) for an unknown identifier.
+    bool getQueueOf(AGPId id, AGPQueueNumber& queue);
+    // The type of a registered element, ti_NoType for an unknown identifier.
+    AGPObjectTypeInfo::AGPObjectType getTypeOf(AGPId id);
+    // The type name of a registered element, empty for an unknown identifier.
+    std::string getTypeNameOf(AGPId id);
+    // Runs `use(element)` with the lock held while `id` is registered; false when it is not.
+    // `use` must not delete elements or widgets, nor keep the pointer.
+    template <class Use> bool withObject(AGPId id, Use&& use) {
+        CriticalSection lock(mLock);
+        AGPCommonBase* element = findLocked(id);
+        if (element == nullptr) {
+            return false;
+        }
+        use(element);
+        return true;
+    }
     bool removeAGPObject(AGPId id);
-    // Deletes the whole tree under `id`, children before parents.
+    // Deletes the whole tree under `id`, children before parents: the tree is unregistered under
+    // the lock and deleted without it (a widget's destructor may wait for a listener, and
+    // listeners ask the registry).
     bool removeAGPObjectTree(AGPId id);
     void clearMap();
     void printSummary();
@@ -29,8 +58,14 @@ public:
     // Registrations minus removals of one type name (0 for a name never seen).
     int getTypeCount(const std::string& typeName);
     size_t size();
+    // Lets tests bring the counter near its end.
+    void setNextIdForTesting(AGPId id);
 
 private:
+    AGPId lowestFreeId() const;
+    AGPCommonBase* findLocked(AGPId id);
+    void forgetLocked(AGPId id);
+
     AGPId mNextAGPId;
     std::map<AGPId, AGPCommonBase*> mObjects;
     std::map<std::string, int, std::less<>> mTypeCounts;

@@ -36,6 +36,7 @@
 #include "text/TranslationInfo.h"
 #include "text/Translator.h"
 #include "threads/CriticalSection.h"
+#include "uri/GPALAdmin.h"
 #include "util/ClientUtils.h"
 
 namespace {
@@ -309,13 +310,17 @@ void AGPPhonelet::localeChanged(std::string language) {
 
 void AGPPhonelet::dateFormatChanged(std::string format) {
     if (mStarted) {
-        AGPPhoneletManager::getAGPGUIHandler()->setDateFormat(format);
+        if (AGPGUIHandler* gui = AGPPhoneletManager::findAGPGUIHandler()) {
+            gui->setDateFormat(format);
+        }
     }
 }
 
 void AGPPhonelet::timeFormatChanged(std::string format) {
     if (mStarted) {
-        AGPPhoneletManager::getAGPGUIHandler()->setTimeFormat(format);
+        if (AGPGUIHandler* gui = AGPPhoneletManager::findAGPGUIHandler()) {
+            gui->setTimeFormat(format);
+        }
     }
 }
 
@@ -392,6 +397,14 @@ void AGPPhonelet::displayStartupFailed() {
     }
 }
 
+// A number such as "+49 89 1234" or a context value with blanks must reach the server as it
+// stands: "+" would arrive as a blank and a blank would make the URL invalid.
+std::string AGPPhonelet::encodedQueryValue(const std::string& value) {
+    std::string encoded;
+    GPALAdmin::encodeUri(value, encoded, true, true);
+    return encoded;
+}
+
 std::string AGPPhonelet::getApplicationURL(ApplicationUrlType type, std::string programName, std::string port,
                                            std::string protocol) {
     AGPDataObserver* configuration = AGPPhoneletManager::getAGPDataObserver();
@@ -416,7 +429,7 @@ std::string AGPPhonelet::getApplicationURL(ApplicationUrlType type, std::string 
     std::string url = transport + "://" + configuration->getServerAddress() + ":" + serverPort + program;
     if (type != PUSH_URL) {
         url += std::string(separator) + "ipaddress=" + configuration->getLocalIPAddress() +
-               "&phonenumber=" + configuration->getSubscriberNumber() +
+               "&phonenumber=" + encodedQueryValue(configuration->getSubscriberNumber()) +
                "&devicetype=" + configuration->getDeviceType();
     }
     return url;
@@ -438,6 +451,12 @@ bool AGPPhonelet::initiateStartupUriRequest(std::string& uriBase, std::string& u
     int numTabs = 0;
     if (!AGPUtils::stringToInt(numTabsText, numTabs) || numTabs >= 4) {
         numTabs = 0;
+    }
+    if (numTabs < 1) {
+        // Otherwise the phone waits on its start-up screen with no word of why.
+        AGP_LOG(2,
+                "No start-up request: num-tabs is \"%s\"; \"0\" is one screen without tabs, 1 to 3 are tabs",
+                numTabsText.c_str());
     }
     const bool allTabsStart = configuration->getAppAllTabsStart() == "true";
     const std::string tabAppNames[] = {configuration->getTab1AppName(), configuration->getTab2AppName(),
@@ -472,6 +491,11 @@ int AGPPhonelet::push(const std::string& pushData, const std::string& appName, i
     if (mStarted && mDelayedPushes.empty()) {
         mPushLock->give();
         return pushInternal(pushData, appName, pushType, false);
+    }
+    if (mDelayedPushes.size() >= kMaxDelayedPushes) {
+        mPushLock->give();
+        AGP_LOG(2, "push: %zu pushes already wait for the start-up; refused", kMaxDelayedPushes);
+        return 0;
     }
     mDelayedPushes.push_back({pushData, appName, pushType});
     mPushLock->give();
@@ -522,8 +546,8 @@ int AGPPhonelet::pushInternal(const std::string& pushData, const std::string& ap
     std::string uriPush =
         getApplicationURL(startupPush ? STARTUP_PUSH_URL : PUSH_URL, program, port, protocol);
     if (!contextKey.empty()) {
-        uriPush +=
-            std::string(uriPush.find('?') != std::string::npos ? "&" : "?") + contextKey + "=" + contextValue;
+        uriPush += std::string(uriPush.find('?') != std::string::npos ? "&" : "?") +
+                   encodedQueryValue(contextKey) + "=" + encodedQueryValue(contextValue);
     }
     AGPMessage::MessageType type = AGPMessage::Unknown;
     switch (pushType) {

@@ -82,6 +82,8 @@ public:
     Context* getContext() const { return mContext; }
 
 private:
+    // `value` percent-encoded for a query key or value.
+    static std::string encodedQueryValue(const std::string& value);
     bool startServices();
     bool findPlatformServices();
     bool createServices();
@@ -91,6 +93,8 @@ private:
 
     Context* mContext;
     Semaphore* mPushLock;
+    // Pushes kept until start-up completes; more are refused (start-up may never complete).
+    static constexpr size_t kMaxDelayedPushes = 20;
     std::vector<DELAYED_PUSH> mDelayedPushes;
     Translator* mTranslator;
     DisplayAPI::Display* mDisplay;

@@ -8,6 +8,12 @@
 #include <cstdio>
 #include <ctime>
 #include <fstream>
+#include <functional>
+#include <string>
+
+#include <limits>
+#include <new>
+#include <unistd.h>
 
 #include "AGPDataObserver.h"
 #include "AGPLog.h"
@@ -16,12 +22,15 @@
 #include "http/HttpServiceHeaders.h"
 #include "http/HttpServiceIfc.h"
 #include "threads/Semaphore.h"
+#include "uri/GPALAdmin.h"
 
 namespace {
 
 const char* const kDownloadFilePrefix = "/tmp/AGPApp-";
 const char* const kContentType = "text/plain";
 const size_t kMaxUrlInErrorText = 1024;
+// Leaves room in a 255-byte file name for the prefix and the process id.
+const size_t kMaxNameInFileName = 200;
 
 std::string shortenUrl(const std::string& url) {
     return url.size() > kMaxUrlInErrorText ? url.substr(0, kMaxUrlInErrorText) + "..." : url;
@@ -59,9 +68,23 @@ bool AGPServerConnection::startAGPServerConnection(HttpServiceIfc* service) {
         return false;
     }
     mHttpService = service;
-    mDownloadFile = kDownloadFilePrefix + configuration->getAppName();
+    mDownloadFile = downloadFileFor(configuration->getAppName());
     AGP_LOG(5, "AGPServerConnection started successfully");
     return true;
+}
+
+// The application's name may hold anything ("/", blanks, any byte): percent-encoding keeps it one
+// file name and tells different names apart. The process id keeps two phones on one machine
+// from sharing a file; a very long name is cut and keeps a hash of the rest.
+std::string AGPServerConnection::downloadFileFor(const std::string& appName) {
+    std::string safe;
+    GPALAdmin::encodeUri(appName, safe, true, true);
+    if (safe.size() > kMaxNameInFileName) {
+        char hash[17];
+        std::snprintf(hash, sizeof hash, "%016zx", std::hash<std::string>()(appName));
+        safe = safe.substr(0, kMaxNameInFileName - 17) + "~" + hash;
+    }
+    return kDownloadFilePrefix + safe + "-" + std::to_string(::getpid());
 }
 
 int AGPServerConnection::getHttpData(const std::string& url, HTTP_DATA_TYPE type, char*& data,
@@ -103,11 +126,17 @@ int AGPServerConnection::receiveHttpData(const std::string& url, HTTP_METHOD met
     unsigned short httpStatus = 0;
     HttpServiceHeaders requestHeaders;
 
+    int result = 0;
     mRequestLock->take(-1);
-    int result =
-        mHttpService->request(proxyAddr, proxyPort, methodText, requestUrl, timeout,
-                              method == POST ? body : "", language, kContentType, 1, mConnectionHandle,
-                              connectionStatus, httpStatus, requestHeaders, headers, mDownloadFile);
+    if (url.size() > kMaxUrlLength) {
+        AGP_LOG(2, "URL of %zu bytes not requested (at most %zu)", url.size(), kMaxUrlLength);
+        connectionStatus = 1;
+    } else {
+        result =
+            mHttpService->request(proxyAddr, proxyPort, methodText, requestUrl, timeout,
+                                  method == POST ? body : "", language, kContentType, 1, mConnectionHandle,
+                                  connectionStatus, httpStatus, requestHeaders, headers, mDownloadFile);
+    }
     if (result == 1 && !readDownloadFile(data, size)) {
         connectionStatus = 13;
         result = 0;
@@ -129,6 +158,8 @@ int AGPServerConnection::receiveHttpData(const std::string& url, HTTP_METHOD met
     return 0;
 }
 
+// The HTTP service has bounded the body already; the checks here keep a file that changed under us
+// (or a service without a bound) from wrapping the size or leaving part of the array unread.
 bool AGPServerConnection::readDownloadFile(char*& data, unsigned int& size) {
     std::ifstream file(mDownloadFile, std::ios::binary | std::ios::ate);
     if (!file) {
@@ -136,16 +167,35 @@ bool AGPServerConnection::readDownloadFile(char*& data, unsigned int& size) {
         return false;
     }
     const std::streamoff length = file.tellg();
+    const std::uint64_t limit = mHttpService->maxDocumentSize();
+    if (length < 0 || static_cast<std::uint64_t>(length) > std::numeric_limits<unsigned int>::max() ||
+        (limit > 0 && static_cast<std::uint64_t>(length) > limit)) {
+        AGP_LOG(2, "Download file [%s] has an unusable length of %lld bytes\n", mDownloadFile.c_str(),
+                static_cast<long long>(length));
+        return false;
+    }
     file.seekg(0);
-    size = static_cast<unsigned int>(std::max<std::streamoff>(length, 0));
-    data = new char[size];
-    file.read(data, static_cast<std::streamsize>(size));
+    char* bytes = new (std::nothrow) char[static_cast<size_t>(length) + 1];
+    if (bytes == nullptr) {
+        AGP_LOG(2, "No memory for a download of %lld bytes\n", static_cast<long long>(length));
+        return false;
+    }
+    file.read(bytes, static_cast<std::streamsize>(length));
+    if (file.gcount() != static_cast<std::streamsize>(length)) {
+        AGP_LOG(2, "Download file [%s]: read %lld of %lld bytes\n", mDownloadFile.c_str(),
+                static_cast<long long>(file.gcount()), static_cast<long long>(length));
+        delete[] bytes;
+        return false;
+    }
+    data = bytes;
+    size = static_cast<unsigned int>(length);
     AGP_LOG(5, "Download complete, received %d bytes\n", static_cast<int>(size));
     return true;
 }
 
 std::string AGPServerConnection::failureReason(int connectionStatus, unsigned short httpStatus,
-                                               const std::string& proxyAddr, const std::string& proxyPort) {
+                                               const std::string& proxyAddr,
+                                               const std::string& proxyPort) const {
     switch (connectionStatus) {
     case 0:
         return "Unknown network error occurred";
@@ -173,6 +223,9 @@ std::string AGPServerConnection::failureReason(int connectionStatus, unsigned sh
         return "Invalid redirection detected";
     case 12:
         return "Redirection loop detected";
+    case 15:
+        return "Document larger than the limit of " + std::to_string(mHttpService->maxDocumentSize()) +
+               " bytes";
     default:
         return "Unknown error occurred";
     }

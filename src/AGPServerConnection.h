@@ -15,6 +15,9 @@ public:
 
     static constexpr std::int32_t CACHE_TIMEVALID_NEVER = INT32_MIN;
     static constexpr std::int32_t CACHE_TIMEVALID_FOREVER = INT32_MAX;
+    // Longest URL requested: a text field's value ends up in the URL of a GET, and servers refuse
+    // far shorter ones anyway. A longer one fails as "URI parser failed" without being sent.
+    static constexpr size_t kMaxUrlLength = 8192;
 
     AGPServerConnection();
     virtual ~AGPServerConnection();
@@ -39,11 +42,13 @@ public:
     void localIPAddressChanged();
 
     const std::string& getDownloadFile() const { return mDownloadFile; }
+    // "/tmp/AGPApp-", the name made safe for a file name, "-" and this process's id.
+    static std::string downloadFileFor(const std::string& appName);
 
 private:
     bool readDownloadFile(char*& data, unsigned int& size);
-    static std::string failureReason(int connectionStatus, unsigned short httpStatus,
-                                     const std::string& proxyAddr, const std::string& proxyPort);
+    std::string failureReason(int connectionStatus, unsigned short httpStatus, const std::string& proxyAddr,
+                              const std::string& proxyPort) const;
 
     HttpServiceIfc* mHttpService;
     int mConnectionHandle;

@@ -4,8 +4,11 @@
 #define AGP_LOG_MODULE "AGPXMLParser"
 #define AGP_LOG_SOURCE "./src/AGPXMLParser.cpp"
 
+#include <cctype>
 #include <climits>
 #include <cstring>
+#include <string>
+#include <utility>
 
 #include "AGPCommonBase.h"
 #include "AGPLog.h"
@@ -33,6 +36,51 @@ bool isLayoutOnly(const char* text, int length) {
         }
     }
     return true;
+}
+
+// The two single-byte encodings that Windows servers commonly declare, which expat does not know
+// itself: each byte's Unicode code point.
+const int kWindows1252High[32] = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                                  0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
+                                  0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                                  0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+std::string lowerCase(const XML_Char* name) {
+    std::string lower = name != nullptr ? name : "";
+    for (char& c : lower) {
+        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    }
+    return lower;
+}
+
+// Fills expat's byte table for windows-1252 or ISO-8859-15 (and their usual aliases); any other
+// name stays unknown and the document gets the parser's error.
+int XMLUnknownEncodingHandler_(void*, const XML_Char* name, XML_Encoding* info) {
+    const std::string encoding = lowerCase(name);
+    const bool windows1252 = encoding == "windows-1252" || encoding == "cp1252";
+    const bool latin9 = encoding == "iso-8859-15" || encoding == "iso8859-15" || encoding == "latin-9" ||
+                        encoding == "latin9";
+    if (!windows1252 && !latin9) {
+        return XML_STATUS_ERROR;
+    }
+    for (int byte = 0; byte < 256; ++byte) {
+        info->map[byte] = byte; // both agree with Latin-1 apart from the bytes below
+    }
+    if (windows1252) {
+        for (int byte = 0x80; byte < 0xA0; ++byte) {
+            info->map[byte] = kWindows1252High[byte - 0x80];
+        }
+    } else {
+        const std::pair<int, int> euro[] = {{0xA4, 0x20AC}, {0xA6, 0x0160}, {0xA8, 0x0161}, {0xB4, 0x017D},
+                                            {0xB8, 0x017E}, {0xBC, 0x0152}, {0xBD, 0x0153}, {0xBE, 0x0178}};
+        for (const auto& entry : euro) {
+            info->map[entry.first] = entry.second;
+        }
+    }
+    info->data = nullptr;
+    info->convert = nullptr;
+    info->release = nullptr;
+    return XML_STATUS_OK;
 }
 
 } // namespace
@@ -64,6 +112,7 @@ bool AGPXMLParser::parseXMLData(std::string& data, AGPCommonBase*& root) {
     XML_SetEntityDeclHandler(mXMLParser, XMLEntityDeclHandler_);
     XML_SetElementHandler(mXMLParser, XMLstartElement_, XMLendElement_);
     XML_SetCharacterDataHandler(mXMLParser, XMLCharacterDataHandler_);
+    XML_SetUnknownEncodingHandler(mXMLParser, XMLUnknownEncodingHandler_, nullptr);
 
     const bool parsed = parseWhole(data);
     if (!parsed) {

@@ -161,7 +161,8 @@ void AGPCommonBase::notifyScreenLostFocus() {
 // The remote-trace setting lives in the application configuration; without a configuration
 // reader remote trace is off.
 bool AGPCommonBase::isRemoteTrace() {
-    return false;
+    AGPDataObserver* configuration = AGPPhoneletManager::findAGPDataObserver();
+    return configuration != nullptr && configuration->isRemoteDebugEnabled();
 }
 
 void AGPCommonBase::commandRemoteTrace(const std::string& prefix, const AGPMessage& message) {

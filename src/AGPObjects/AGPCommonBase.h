@@ -1,6 +1,7 @@
 // Base class of every document element: tree links, content, registry identifier, life cycle.
 #pragma once
 
+#include <atomic>
 #include <string>
 #include <vector>
 
@@ -40,6 +41,7 @@ public:
     void setParent(AGPCommonBase* parent) { mParent = parent; }
     AGPCommonBase* getRootElement();
     AGPId getAGPObjectID() const { return mAGPId; }
+    // Set by the queue thread that installs the element, read by the registry for other threads.
     AGPQueueNumber getQueueID() const { return mQueueID; }
     void setQueueID(AGPQueueNumber queue) { mQueueID = queue; }
     std::vector<AGPCommonBase*> getSequence() { return mChildren; }
@@ -74,7 +76,7 @@ protected:
     std::vector<AGPCommonBase*> mChildren;
     std::string mContent;
     AGPId mAGPId;
-    AGPQueueNumber mQueueID;
+    std::atomic<AGPQueueNumber> mQueueID;
     AGPCommonBase* mParent;
     std::vector<AGPScreenFocusListenerIfc*> mScreenFocusListeners;
 };

@@ -1,6 +1,9 @@
 // Base of the full-screen elements: their widget, commands, automatic timer and requests.
 #include "AGPDisplayable.h"
 
+#include <algorithm>
+#include <limits>
+
 #define AGP_LOG_MODULE "AGPObject"
 #define AGP_LOG_SOURCE "./src/AGPObjects/AGPDisplayable.cpp"
 
@@ -103,7 +106,10 @@ void AGPDisplayable::createTimer(DisplayAPI::CommandListener* listener, unsigned
 
 void AGPDisplayable::initTimer(DisplayAPI::CommandListener* listener) {
     if (mTimerCommand != nullptr && listener != nullptr) {
-        createTimer(listener, mTimerCommand->getAGPAuto() * 1000u);
+        // Seconds beyond what the timer's milliseconds hold wait as long as they can rather than
+        // wrapping round to a short time.
+        constexpr unsigned int kLongestSeconds = std::numeric_limits<unsigned int>::max() / 1000u;
+        createTimer(listener, std::min<unsigned int>(mTimerCommand->getAGPAuto(), kLongestSeconds) * 1000u);
     }
 }
 

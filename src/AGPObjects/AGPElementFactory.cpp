@@ -8,23 +8,44 @@
 #include "AGPDateKey.h"
 #include "AGPDefault.h"
 #include "AGPFColor.h"
+#include "AGPImage.h"
 #include "AGPInitial.h"
 #include "AGPIppAction.h"
 #include "AGPIppAlert.h"
+#include "AGPIppButton.h"
+#include "AGPIppChoiceGroup.h"
 #include "AGPIppCommand.h"
+#include "AGPIppDateField.h"
+// Tables.
+#include "AGPCell.h"
+#include "AGPCellLine.h"
+#include "AGPCellText.h"
+#include "AGPHeader.h"
 #include "AGPIppDisplay.h"
 #include "AGPIppForm.h"
+#include "AGPIppGauge.h"
 #include "AGPIppHidden.h"
+#include "AGPIppImageItem.h"
 #include "AGPIppItem.h"
+#include "AGPIppKey.h"
 #include "AGPIppList.h"
+#include "AGPIppPhone.h"
+#include "AGPIppPhoneNumber.h"
+#include "AGPIppPlayer.h"
 #include "AGPIppScreen.h"
+#include "AGPIppSpacer.h"
+#include "AGPIppStringItem.h"
+#include "AGPIppTable.h"
 #include "AGPIppTextBox.h"
 #include "AGPIppTextField.h"
+#include "AGPIppTicker.h"
+#include "AGPIppTone.h"
 #include "AGPKey.h"
 #include "AGPLabel.h"
 #include "AGPMaximum.h"
 #include "AGPOption.h"
 #include "AGPOptionText.h"
+#include "AGPRow.h"
 #include "AGPSFColor.h"
 #include "AGPSTColor.h"
 #include "AGPScreenID.h"
@@ -56,7 +77,11 @@ template <typename Element> AGPCommonBase* create() {
 // absent here, so the parser skips it like any unknown element.
 const std::unordered_map<std::string_view, Creator>& elementTable() {
     static const std::unordered_map<std::string_view, Creator> table = {
+        {"IppPhone", create<AGPIppPhone>},
         {"IppDisplay", create<AGPIppDisplay>},
+        {"IppKey", create<AGPIppKey>},
+        {"IppTone", create<AGPIppTone>},
+        {"IppPhoneNumber", create<AGPIppPhoneNumber>},
         {"IppScreen", create<AGPIppScreen>},
         {"IppAction", create<AGPIppAction>},
         {"IppCommand", create<AGPIppCommand>},
@@ -67,7 +92,17 @@ const std::unordered_map<std::string_view, Creator>& elementTable() {
         {"IppForm", create<AGPIppForm>},
         {"IppItem", create<AGPIppItem>},
         {"IppTextField", create<AGPIppTextField>},
+        // Choice groups, buttons, gauges, the player and the simple items.
+        {"IppChoiceGroup", create<AGPIppChoiceGroup>},
+        {"IppButton", create<AGPIppButton>},
+        {"IppGauge", create<AGPIppGauge>},
+        {"IppPlayer", create<AGPIppPlayer>},
+        {"IppStringItem", create<AGPIppStringItem>},
+        {"IppSpacer", create<AGPIppSpacer>},
+        {"IppImageItem", create<AGPIppImageItem>},
+        {"IppTicker", create<AGPIppTicker>},
         {"Option", create<AGPOption>},
+        {"Image", create<AGPImage>},
         {"OptionText", create<AGPOptionText>},
         {"Encapsulation_s", create<Encapsulation_s>},
         {"Number", create<Encapsulation_s>},
@@ -97,6 +132,15 @@ const std::unordered_map<std::string_view, Creator>& elementTable() {
         {"gaugeTimeType", create<AGPgaugeTimeType>},
         {"imagePath", create<AGPimagePath>},
         {"timeZoneType", create<AGPtimeZoneType>},
+        // Date fields.
+        {"IppDateField", create<AGPIppDateField>},
+        // Tables.
+        {"IppTable", create<AGPIppTable>},
+        {"Header", create<AGPHeader>},
+        {"Row", create<AGPRow>},
+        {"Cell", create<AGPCell>},
+        {"CellLine", create<AGPCellLine>},
+        {"CellText", create<AGPCellText>},
     };
     return table;
 }

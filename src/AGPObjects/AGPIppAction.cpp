@@ -4,9 +4,11 @@
 #define AGP_LOG_MODULE "AGPObject"
 #define AGP_LOG_SOURCE "./src/AGPObjects/AGPIppAction.cpp"
 
+#include "AGPAudioHandler.h"
 #include "AGPCallHandler.h"
 #include "AGPGUIHandler.h"
 #include "AGPIppScreen.h"
+#include "AGPIppTone.h"
 #include "AGPKeysHandler.h"
 #include "AGPPhoneletManager.h"
 
@@ -68,8 +70,8 @@ bool AGPIppAction::isValid() {
     return mTypeGiven && isCountValidNumber() && isCountValidAGPIppTone();
 }
 
-// The phone services reached here may not be running (no call control, no keys); an action
-// then does its bookkeeping only.
+// The phone services reached here may not be running (stopped phonelet); an action then does its
+// bookkeeping only.
 void AGPIppAction::invoke() {
     const bool inCommand =
         mParent != nullptr && mParent->getAGPObjectType() == AGPObjectTypeInfo::ti_IppCommand;
@@ -91,12 +93,18 @@ void AGPIppAction::invoke() {
         mDone = true;
         break;
     }
-    case PLAYTONE:
-        // The beep is played once the tone element exists; the factory creates none yet.
-        if (getChildByType(AGPObjectTypeInfo::ti_IppTone) != nullptr) {
-            mDone = true;
+    case PLAYTONE: {
+        auto* tone = static_cast<AGPIppTone*>(getChildByType(AGPObjectTypeInfo::ti_IppTone));
+        if (tone == nullptr) {
+            break;
         }
+        AGPAudioHandler* audio = AGPPhoneletManager::findAGPAudioHandler();
+        if (audio != nullptr && tone->getAGPLength() != AGPIppTone::LENGTH_NOT_GIVEN) {
+            audio->playBeep(static_cast<AGPAudioHandler::AGPBeepType>(tone->getAGPLength()));
+        }
+        mDone = true;
         break;
+    }
     case HIDEPOPUP: {
         AGPGUIHandler* gui = AGPPhoneletManager::findAGPGUIHandler();
         if (gui != nullptr && mParent != nullptr &&
@@ -111,7 +119,9 @@ void AGPIppAction::invoke() {
         }
         AGPCallHandler* calls = AGPPhoneletManager::findAGPCallHandler();
         if (calls != nullptr) {
-            calls->MakeOutgoingCall(number->getContent(), isFocus());
+            std::string destination = number->getContent();
+            bool takeFocus = isFocus();
+            calls->MakeOutgoingCall(destination, takeFocus);
         }
         mDone = true;
         break;
@@ -119,7 +129,8 @@ void AGPIppAction::invoke() {
     case ENDCALL: {
         AGPCallHandler* calls = AGPPhoneletManager::findAGPCallHandler();
         if (calls != nullptr) {
-            calls->ClearOutgoingCall(number != nullptr ? number->getContent() : std::string());
+            std::string destination = number != nullptr ? number->getContent() : std::string();
+            calls->ClearOutgoingCall(destination);
         }
         mDone = true;
         break;

@@ -2,12 +2,19 @@
 // command.
 #include "AGPIppAlert.h"
 
+#include <memory>
+
+#include "AGPIppPhoneNumber.h"
+#include "display/Image.h"
+
 #define AGP_LOG_MODULE "AGPObject"
 #define AGP_LOG_SOURCE "./src/AGPObjects/AGPIppAlert.cpp"
 
 #include <algorithm>
 
 #include "AGPGUIHandler.h"
+#include "AGPImage.h"
+#include "AGPIppScreen.h"
 #include "AGPLabel.h"
 #include "AGPLog.h"
 #include "AGPMenuCommandListener.h"
@@ -130,14 +137,43 @@ void AGPIppAlert::initializeElement() {
     createAndInitDisplayElements();
 }
 
-// The picture (an Image child, or the phone number's) is added once those elements exist; the
-// factory creates neither yet, so the alert is made without one.
+// The picture of the Image child, fetched now when it is not there yet; a picture that fails
+// leaves the alert without one.
+DisplayAPI::Image* AGPIppAlert::takeImage() {
+    auto* image = static_cast<AGPImage*>(getAGPImage());
+    if (image == nullptr) {
+        return nullptr;
+    }
+    image->setImageStateListener(this);
+    if (image->getDisplayAPI_Image() == nullptr) {
+        std::string url;
+        image->downloadImage(url, false);
+    }
+    return image->getDisplayAPI_Image();
+}
+
+// A phone number in the text brings its own picture (a name and its number on two lines);
+// without one, the Image child's picture is shown.
 void AGPIppAlert::createAndInitDisplayElements() {
     deleteDisplayElements();
     AGPCommonBase* title = getChildByType(AGPObjectTypeInfo::ti_Title);
     AGPCommonBase* text = getChildByType(AGPObjectTypeInfo::ti_Text);
+    auto* phoneNumber =
+        text != nullptr
+            ? static_cast<AGPIppPhoneNumber*>(text->getChildByType(AGPObjectTypeInfo::ti_IppPhoneNumber))
+            : nullptr;
+    std::unique_ptr<DisplayAPI::Image> picture;
+    if (phoneNumber != nullptr) {
+        // A name and its number stand on two lines.
+        phoneNumber->setSeparator("\n");
+        const std::string path = phoneNumber->getImagePath();
+        if (!path.empty()) {
+            picture = std::make_unique<DisplayAPI::Image>(path);
+        }
+    }
     mAlert = new DisplayAPI::Alert(title != nullptr ? title->getContent() : std::string(),
-                                   text != nullptr ? text->getContent() : std::string(), nullptr,
+                                   text != nullptr ? text->getContent() : std::string(),
+                                   phoneNumber != nullptr ? picture.get() : takeImage(),
                                    static_cast<DisplayAPI::AlertType>(getDisplayAlertType()));
     mAlert->setOwnerId(mAGPId);
     AGPGUIHandler* gui = AGPPhoneletManager::findAGPGUIHandler();
@@ -154,9 +190,14 @@ void AGPIppAlert::deleteDisplayElements() {
     }
 }
 
-// Only an Image child reports downloads, and the factory creates no Image element yet, so no
-// picture can arrive.
-void AGPIppAlert::imageDownloaded(unsigned long) {}
+void AGPIppAlert::imageDownloaded(unsigned long agpId) {
+    auto* image = static_cast<AGPImage*>(getAGPImage());
+    if (image == nullptr || image->getAGPObjectID() != agpId || image->getDisplayAPI_Image() == nullptr ||
+        mAlert == nullptr) {
+        return;
+    }
+    mAlert->setImage(image->getDisplayAPI_Image());
+}
 
 // A new display may be dismissed again.
 void AGPIppAlert::reDisplayElement() {
@@ -330,11 +371,19 @@ void AGPIppAlert::dismiss(AGPMessage& message) {
         AGP_LOG(6, "Previous ID of Alert is same with actual ID - message will be discarded\n");
         return;
     }
-    mLastMessageAgpId = message.agpId;
     AGPGUIHandler* gui = AGPPhoneletManager::findAGPGUIHandler();
-    if (gui != nullptr) {
-        gui->commandAlertBack(mQueueID, message.bringToFront);
+    if (gui == nullptr) {
+        return;
     }
+    // A key pressed while a request was on its way arrives after the reply replaced the alert;
+    // going back then would act on the new screen (close its tab, or end the application).
+    AGPIppScreen* screen = gui->getCurrentScreen(mQueueID);
+    if (screen == nullptr || screen->getDisplayableElement() != this) {
+        AGP_LOG(6, "Alert is no longer shown - dismissal discarded\n");
+        return;
+    }
+    mLastMessageAgpId = message.agpId;
+    gui->commandAlertBack(mQueueID, message.bringToFront);
 }
 
 void AGPIppAlert::processNotifyEvent(AGPIppCommand::AGPEvent event) {

@@ -13,6 +13,7 @@
 namespace DisplayAPI {
 class Alert;
 class Command;
+class Image;
 } // namespace DisplayAPI
 
 class AGPIppAlert : public AGPDisplayable, public AGPImageStateListenerIfc {
@@ -63,6 +64,8 @@ public:
     int getDisplayAlertType() const;
     // The Image child, or null.
     AGPCommonBase* getAGPImage();
+    // The Image child's picture for the widget, or null.
+    DisplayAPI::Image* takeImage();
     AGPIppCommand* getDismissCommand() const { return mDismissCommand; }
     const std::vector<AGPIppCommand*>& getCommands() const { return mCommands; }
 

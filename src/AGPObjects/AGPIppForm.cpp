@@ -9,8 +9,11 @@
 #include "AGPCommandListener.h"
 #include "AGPDisplayItemIfc.h"
 #include "AGPGUIHandler.h"
+#include "AGPIppChoiceGroup.h"
+#include "AGPIppGauge.h"
 #include "AGPIppItem.h"
 #include "AGPIppTextField.h"
+#include "AGPIppTicker.h"
 #include "AGPItemStateListener.h"
 #include "AGPKeyValueProviderIfc.h"
 #include "AGPLog.h"
@@ -19,6 +22,7 @@
 #include "AGPPhoneletManager.h"
 #include "AGPUtils.h"
 #include "display/Alert.h"
+#include "display/ChoiceGroup.h"
 #include "display/Command.h"
 #include "display/Display.h"
 #include "display/Form.h"
@@ -186,9 +190,14 @@ void AGPIppForm::createAndInitDisplayElements2ndRound() {
     }
 }
 
-// Popup choice groups sit in a row like other items; the choice group element tells them apart.
+// A popup group's widget is a selection field, appended like any item; radio buttons and check
+// boxes go in as a choice group.
 void AGPIppForm::addChoiceGroup(DisplayAPI::Item* group) {
-    mForm->append(group);
+    if (auto* choiceGroup = dynamic_cast<DisplayAPI::ChoiceGroup*>(group)) {
+        mForm->appendChoiceGroup(choiceGroup);
+    } else {
+        mForm->append(group);
+    }
 }
 
 void AGPIppForm::distribute(AGPIppCommand* command) {
@@ -774,6 +783,12 @@ void AGPIppForm::addSelectedPairs(std::multimap<std::string, std::string>& keyVa
 void AGPIppForm::startTimer() {
     AGPDisplayable::startTimer();
     for (AGPCommonBase* child : mChildren) {
+        if (child->getAGPObjectType() == AGPObjectTypeInfo::ti_IppGauge) {
+            static_cast<AGPIppGauge*>(child)->initTimer();
+            static_cast<AGPIppGauge*>(child)->startTimer();
+        }
+    }
+    for (AGPCommonBase* child : mChildren) {
         if (AGPIppItem* item = asItem(child)) {
             item->startTimer();
         }
@@ -782,14 +797,22 @@ void AGPIppForm::startTimer() {
 
 void AGPIppForm::stopTimer() {
     AGPDisplayable::stopTimer();
+    for (AGPCommonBase* child : mChildren) {
+        if (child->getAGPObjectType() == AGPObjectTypeInfo::ti_IppGauge) {
+            static_cast<AGPIppGauge*>(child)->stopTimer();
+        }
+    }
 }
 
 DisplayAPI::Displayable* AGPIppForm::getDisplayAPIDisplayable() {
     return mForm;
 }
 
-// The ticker reaches the widget once the ticker element exists.
-void AGPIppForm::setTickerElement(AGPIppTicker&) {}
+void AGPIppForm::setTickerElement(AGPIppTicker& ticker) {
+    if (mForm != nullptr && ticker.getTicker() != nullptr) {
+        mForm->setTicker(ticker.getTicker());
+    }
+}
 
 void AGPIppForm::setHighlight(bool on) {
     if (mForm != nullptr) {

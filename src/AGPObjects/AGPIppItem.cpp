@@ -7,6 +7,9 @@
 #include <algorithm>
 
 #include "AGPGUIHandler.h"
+#include "AGPIppButton.h"
+#include "AGPIppGauge.h"
+#include "AGPKey.h"
 #include "AGPLabel.h"
 #include "AGPLog.h"
 #include "AGPMenuCommandListener.h"
@@ -14,10 +17,12 @@
 #include "AGPObjectMap.h"
 #include "AGPPhoneletManager.h"
 #include "AGPUtils.h"
+#include "AGPValue.h"
 #include "display/ContextMenu.h"
 #include "display/Display.h"
 #include "display/Item.h"
 #include "display/MenuCommand.h"
+#include "text/TranslationInfo.h"
 
 namespace {
 
@@ -214,13 +219,17 @@ void AGPIppItem::findAndAddCommandsDisplayedOn(std::vector<AGPIppCommand*>& comm
     }
 }
 
-// Not part of the document, so not a child: the item frees it itself.
-AGPIppCommand* AGPIppItem::makeCommand(const char* type, const std::string& labelText) {
+// A command of the item's own making, initialized and processed like one from the document.
+AGPIppCommand* AGPIppItem::makeCommand(const char* type, const std::string& labelText,
+                                       const std::vector<std::pair<std::string, std::string>>& attributes) {
     auto* command = new AGPIppCommand();
     if (type != nullptr) {
         setAttribute(*command, "Type", type);
     }
     setAttribute(*command, "DisplayOn", "LISTITEM");
+    for (const auto& attribute : attributes) {
+        setAttribute(*command, attribute.first.c_str(), attribute.second.c_str());
+    }
     command->setQueueID(mQueueID);
     auto* label = new AGPLabel();
     std::string content = labelText;
@@ -245,12 +254,16 @@ void AGPIppItem::processElement() {
     const AGPIppCommand::AGPDisplayOn shown[] = {AGPIppCommand::LISTITEM, AGPIppCommand::BOTH};
     findAndAddCommandsDisplayedOn(mItemCommands, shown, 2);
     AGPCommonBase* display = findDisplayItem();
-    // Buttons bring their own select command once the button element exists.
-    if (!mItemCommands.empty() && mCommandCount != 0 && display != nullptr &&
-        display->getAGPObjectType() == AGPObjectTypeInfo::ti_IppImageItem && mExitMenuCommand == nullptr) {
-        mExitMenuCommand = makeCommand(nullptr, "Exit menu");
-        mItemCommands.insert(mItemCommands.begin(), mExitMenuCommand);
-        ++mAddedCommandCount;
+    if (!mItemCommands.empty() && mCommandCount != 0 && display != nullptr) {
+        if (display->getAGPObjectType() == AGPObjectTypeInfo::ti_IppButton) {
+            addButtonSelectCommand(static_cast<AGPIppButton*>(display));
+        } else if (display->getAGPObjectType() == AGPObjectTypeInfo::ti_IppImageItem &&
+                   mExitMenuCommand == nullptr) {
+            // Not part of the document, so not a child: the item frees it itself.
+            mExitMenuCommand = makeCommand(nullptr, "Exit menu");
+            mItemCommands.insert(mItemCommands.begin(), mExitMenuCommand);
+            ++mAddedCommandCount;
+        }
     }
     std::stable_sort(mItemCommands.begin(), mItemCommands.end(), AGPIppCommand::compareByPriority);
     createAndInitDisplayElements2ndRound();
@@ -285,8 +298,34 @@ void AGPIppItem::createAndInitDisplayElements2ndRound() {
     }
 }
 
+// The button's own pair as the first entry of the menu: an UPDATE command, so choosing it sends
+// that pair and nothing else of the form. It becomes a child, deleted with the tree.
+void AGPIppItem::addButtonSelectCommand(AGPIppButton* button) {
+    const std::string label =
+        TranslationInfo("command.select", AGPPhoneletManager::getTranslator()).getText();
+    AGPIppCommand* command = makeCommand("UPDATE", label,
+                                         {{"Priority", "0"},
+                                          {"Key", button->getAGPKey()->getValueText()},
+                                          {"Value", button->getAGPValue()->getValueText()}});
+    if (!addCountedChild(mCommandChildCount, *command)) {
+        std::vector<AGPCommonBase*> tree;
+        createTreeExplorationVector(command, tree);
+        for (AGPCommonBase* element : tree) {
+            delete element;
+        }
+        return;
+    }
+    command->setParent(this);
+    mItemCommands.insert(mItemCommands.begin(), command);
+    ++mCommandCount;
+}
+
 void AGPIppItem::startTimer() {
-    // Gauges start their own timers once the gauge element exists.
+    AGPCommonBase* display = findDisplayItem();
+    if (display != nullptr && display->getAGPObjectType() == AGPObjectTypeInfo::ti_IppGauge) {
+        static_cast<AGPIppGauge*>(display)->initTimer();
+        static_cast<AGPIppGauge*>(display)->startTimer();
+    }
 }
 
 AGPIppCommand* AGPIppItem::getDefaultIppCommand() {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "AGPCommonBase.h"
@@ -15,6 +16,8 @@ namespace DisplayAPI {
 class Command;
 class ContextMenu;
 } // namespace DisplayAPI
+
+class AGPIppButton;
 
 class AGPIppItem : public AGPCommonBase, public AGPDisplayItemIfc, public AGPKeyValueProviderIfc {
 public:
@@ -69,7 +72,9 @@ public:
     void deleteDisplayElements();
 
 private:
-    AGPIppCommand* makeCommand(const char* type, const std::string& label);
+    AGPIppCommand* makeCommand(const char* type, const std::string& label,
+                               const std::vector<std::pair<std::string, std::string>>& attributes = {});
+    void addButtonSelectCommand(AGPIppButton* button);
     void queueAgain(AGPMessage& message, AGPId target);
     void queueNew(AGPMessage::MessageType type, const char* content);
 

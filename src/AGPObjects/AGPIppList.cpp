@@ -8,6 +8,7 @@
 
 #include "AGPFColor.h"
 #include "AGPGUIHandler.h"
+#include "AGPIppTicker.h"
 #include "AGPLabel.h"
 #include "AGPLog.h"
 #include "AGPMenuCommandListener.h"
@@ -756,4 +757,10 @@ void AGPIppList::destroyWidgets() {
     mOptionsContextMenu = nullptr;
     mPopupConfirm = nullptr;
     mList = nullptr;
+}
+
+void AGPIppList::setTickerElement(AGPIppTicker& ticker) {
+    if (mList != nullptr && ticker.getTicker() != nullptr) {
+        mList->setTicker(ticker.getTicker());
+    }
 }

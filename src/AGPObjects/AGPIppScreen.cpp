@@ -14,10 +14,13 @@
 #include "AGPIppAction.h"
 #include "AGPIppCommand.h"
 #include "AGPIppHidden.h"
+#include "AGPIppKey.h"
+#include "AGPIppTicker.h"
 #include "AGPKey.h"
 #include "AGPMessageQueueHandler.h"
 #include "AGPPhoneletManager.h"
 #include "AGPServerConnection.h"
+#include "AGPUrl.h"
 #include "AGPUtils.h"
 #include "uri/GPALAdmin.h"
 
@@ -136,6 +139,7 @@ AGPDisplayable* AGPIppScreen::getDisplayableElement() {
 }
 
 void AGPIppScreen::initializeElement() {
+    initKeyElement();
     AGPDisplayable* displayable = getDisplayableElement();
     if (displayable == nullptr) {
         return;
@@ -152,7 +156,21 @@ void AGPIppScreen::initializeElement() {
     }
     initDisplayableElement(displayable);
     displayable->setSendURLListener(this);
-    // Key handling (IppKey) is wired here once the key element exists; the factory creates none yet.
+}
+
+// Typed keys go to the list's URL; a screen without a list has nowhere to send them.
+void AGPIppScreen::initKeyElement() {
+    auto* key = static_cast<AGPIppKey*>(getChildByType(AGPObjectTypeInfo::ti_IppKey));
+    if (key == nullptr) {
+        return;
+    }
+    AGPCommonBase* list = getChildByType(AGPObjectTypeInfo::ti_IppList);
+    if (list == nullptr) {
+        key->setSendKeys(AGPIppKey::SENDKEYS_NO);
+        return;
+    }
+    key->setSendURLListener(this);
+    key->setTargetUrl(static_cast<AGPUrl*>(list->getChildByType(AGPObjectTypeInfo::ti_Url)));
 }
 
 void AGPIppScreen::reDisplayElement() {
@@ -162,10 +180,13 @@ void AGPIppScreen::reDisplayElement() {
     }
 }
 
-// The ticker is handed over once the ticker element exists; the factory creates none yet.
 void AGPIppScreen::initDisplayableElement(AGPDisplayable* displayable) {
     if (displayable == nullptr) {
         return;
+    }
+    AGPCommonBase* ticker = getChildByType(AGPObjectTypeInfo::ti_IppTicker);
+    if (ticker != nullptr) {
+        displayable->setTickerElement(*static_cast<AGPIppTicker*>(ticker));
     }
     AGPGUIHandler* gui = AGPPhoneletManager::findAGPGUIHandler();
     displayable->initTimer(gui != nullptr ? gui->getCommandListener() : nullptr);
@@ -203,7 +224,7 @@ void AGPIppScreen::lostFocus() {
 }
 
 void AGPIppScreen::setCacheExpirationTime(long seconds) {
-    mCacheExpirationTime = static_cast<std::int32_t>(seconds);
+    mCacheExpirationTime = seconds;
 }
 
 void AGPIppScreen::addHiddenData(std::multimap<std::string, std::string>& keyValues) {

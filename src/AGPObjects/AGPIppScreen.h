@@ -37,6 +37,7 @@ public:
 
     // The first IppAlert, IppList, IppTable, IppTextBox, IppForm or IppPlayer child, or null.
     AGPDisplayable* getDisplayableElement();
+    void initKeyElement();
     void initDisplayableElement(AGPDisplayable* displayable);
     bool hasBack();
     void invokeActions();
@@ -98,7 +99,7 @@ private:
     std::uint32_t mID;
     std::string mSound;
     AGPHistory mHistory;
-    std::int32_t mCacheExpirationTime;
+    std::int64_t mCacheExpirationTime; // 64 bits: a long max-age or a late Expires passes 2038
     bool mRedisplayNeeded;
     bool mHasBackCommand;
     std::string mOriginatingUri;

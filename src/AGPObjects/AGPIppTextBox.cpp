@@ -10,6 +10,7 @@
 #include "AGPDataObserver.h"
 #include "AGPDefault.h"
 #include "AGPGUIHandler.h"
+#include "AGPIppTicker.h"
 #include "AGPItemStateListener.h"
 #include "AGPKey.h"
 #include "AGPLog.h"
@@ -533,5 +534,11 @@ void AGPIppTextBox::deleteDisplayElements() {
         mTextBox->clearCommands();
         delete mTextBox;
         mTextBox = nullptr;
+    }
+}
+
+void AGPIppTextBox::setTickerElement(AGPIppTicker& ticker) {
+    if (mTextBox != nullptr && ticker.getTicker() != nullptr) {
+        mTextBox->setTicker(ticker.getTicker());
     }
 }

@@ -54,6 +54,7 @@ public:
 
     DisplayAPI::Displayable* getDisplayAPIDisplayable() override;
     void setCommandElement(AGPIppCommand& command) override;
+    void setTickerElement(AGPIppTicker& ticker) override;
     void setHighlight(bool on) override;
     void restoreFocusAndHighlight() override;
     bool isContextMenuDisplayed() override;

@@ -1,12 +1,16 @@
 // One entry of a list or choice group: its pair, initial selection, texts and widget row.
 #include "AGPOption.h"
 
+#include "AGPIppPhoneNumber.h"
+
 #define AGP_LOG_MODULE "AGPObject"
 #define AGP_LOG_SOURCE "./src/AGPObjects/AGPOption.cpp"
 
 #include <vector>
 
 #include "AGPFColor.h"
+#include "AGPImage.h"
+#include "AGPIppChoiceGroup.h"
 #include "AGPIppList.h"
 #include "AGPKey.h"
 #include "AGPObjectPool.h"
@@ -131,15 +135,33 @@ void AGPOption::hideElement() {
 void AGPOption::createDisplayElements() {
     deleteDisplayElements();
     mParentType = mParent != nullptr ? mParent->getAGPObjectType() : AGPObjectTypeInfo::ti_NoType;
+    if (mParentType == AGPObjectTypeInfo::ti_IppChoiceGroup) {
+        // The group's widget takes the picture there is now; a later download reaches its entry
+        // through imageDownloaded.
+        if (AGPImage* image = getImage()) {
+            image->setImageStateListener(this);
+        }
+        // A choice group takes its picture from the last option text whose phone number has one.
+        std::vector<AGPCommonBase*> texts;
+        getChildrenByType(AGPObjectTypeInfo::ti_OptionText, texts);
+        for (AGPCommonBase* text : texts) {
+            setPhoneNumberImage(static_cast<AGPOptionText*>(text));
+        }
+        return;
+    }
     if (mParentType != AGPObjectTypeInfo::ti_IppList) {
-        // A choice group takes its picture from the phone number of an option text; that element
-        // does not exist yet, so there is nothing to make here.
         return;
     }
     mListItem = new DisplayAPI::ListItem();
     mListItem->setOwnerId(mAGPId);
     mListItemTaken = false;
-    // A pending picture of the Image child reserves its space here once that element exists.
+    AGPImage* image = getImage();
+    if (image != nullptr) {
+        image->setImageStateListener(this);
+        if (image->isDownloadPending()) {
+            mListItem->reserveSpaceForImage(true);
+        }
+    }
 
     const bool threeColumns = static_cast<AGPIppList*>(mParent)->getAGPColumns() == AGPIppList::COLUMNS_3;
     const size_t wanted = threeColumns ? 3 : 1;
@@ -161,10 +183,27 @@ void AGPOption::createDisplayElements() {
     if (threeColumns) {
         text += used < 2 ? "||" : used == 2 ? "|" : "";
     }
-    // The entry's picture (the Image child's, else the first text's phone-number picture) is set
-    // with ListItem::setImage here once those elements exist.
+    // The entry's picture: the Image child's if there is one, else the first text's phone-number
+    // picture.
+    DisplayAPI::Image* picture = getDisplayAPIImage();
+    if (picture == nullptr) {
+        setPhoneNumberImage(texts.empty() ? nullptr : static_cast<AGPOptionText*>(texts[0]));
+        picture = mImage;
+    }
+    if (picture != nullptr) {
+        mListItem->setImage(picture);
+    }
     mListItem->setText(text);
     mListItem->setActiveFontColour(!mGray);
+}
+
+void AGPOption::setPhoneNumberImage(AGPOptionText* text) {
+    AGPIppPhoneNumber* number = text != nullptr ? text->getPhoneNumber() : nullptr;
+    const std::string path = number != nullptr ? number->getImagePath() : std::string();
+    if (!path.empty()) {
+        delete mImage;
+        mImage = new DisplayAPI::Image(path);
+    }
 }
 
 DisplayAPI::ListItem* AGPOption::takeListItem() {
@@ -182,12 +221,28 @@ void AGPOption::deleteDisplayElements() {
     mListItemTaken = false;
 }
 
-void AGPOption::imageDownloaded(AGPId id) {
-    AGPCommonBase* image = getImage();
-    if (image == nullptr || image->getAGPObjectID() != id || mListItem == nullptr) {
+AGPImage* AGPOption::getImage() {
+    return static_cast<AGPImage*>(getChildByType(AGPObjectTypeInfo::ti_Image));
+}
+
+DisplayAPI::Image* AGPOption::getDisplayAPIImage() {
+    AGPImage* image = getImage();
+    if (image != nullptr && image->getDisplayAPI_Image() != nullptr) {
+        return image->getDisplayAPI_Image();
+    }
+    return mImage;
+}
+
+void AGPOption::imageDownloaded(unsigned long agpId) {
+    AGPImage* image = getImage();
+    if (image == nullptr || image->getAGPObjectID() != agpId || image->getDisplayAPI_Image() == nullptr) {
         return;
     }
-    // The downloaded picture is set on the row here once the Image element exists.
+    if (mParentType == AGPObjectTypeInfo::ti_IppChoiceGroup && mParent != nullptr) {
+        static_cast<AGPIppChoiceGroup*>(mParent)->setOptionPicture(this, image->getDisplayAPI_Image());
+    } else if (mListItem != nullptr) {
+        mListItem->setImage(image->getDisplayAPI_Image());
+    }
 }
 
 void AGPOption::gatherKeyValues(std::multimap<std::string, std::string>& keyValues) {

@@ -6,9 +6,13 @@
 #include <string>
 
 #include "AGPCommonBase.h"
+#include "AGPImageStateListenerIfc.h"
 #include "AGPKeyValueProviderIfc.h"
 
+class AGPOptionText;
+
 class AGPFColor;
+class AGPImage;
 class AGPKey;
 class AGPSFColor;
 class AGPSTColor;
@@ -20,7 +24,7 @@ class Image;
 class ListItem;
 } // namespace DisplayAPI
 
-class AGPOption : public AGPCommonBase, public AGPKeyValueProviderIfc {
+class AGPOption : public AGPCommonBase, public AGPKeyValueProviderIfc, public AGPImageStateListenerIfc {
 public:
     enum AGPSelected : std::int32_t { SELECTED_TRUE = 0, SELECTED_FALSE = 1, SELECTED_NOT_GIVEN = 2 };
 
@@ -40,13 +44,17 @@ public:
     void reDisplayElement() override;
 
     void gatherKeyValues(std::multimap<std::string, std::string>& keyValues) override;
-    void imageDownloaded(AGPId id);
+    // Shows the Image child's picture on the row once its download completed.
+    void imageDownloaded(unsigned long agpId) override;
 
     // The content of the first option text, or "no text".
     std::string getOptionText();
-    AGPCommonBase* getImage() { return getChildByType(AGPObjectTypeInfo::ti_Image); }
-    DisplayAPI::Image* getDisplayAPIImage() { return mImage; }
+    AGPImage* getImage();
+    // The Image child's picture, else the one the option made itself; null when there is none.
+    DisplayAPI::Image* getDisplayAPIImage();
     void deleteDisplayElements();
+    // Takes the picture of the text's phone number, when it has one, as the entry's picture.
+    void setPhoneNumberImage(AGPOptionText* text);
 
     // The row of a list's option; the list takes it over when it appends it to its widget.
     DisplayAPI::ListItem* getListItem() const { return mListItem; }

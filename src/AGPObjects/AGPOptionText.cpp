@@ -1,6 +1,8 @@
 // One text of a list or choice-group option, possibly greyed.
 #include "AGPOptionText.h"
 
+#include "AGPIppPhoneNumber.h"
+
 #define AGP_LOG_MODULE "AGPObject"
 #define AGP_LOG_SOURCE "./src/AGPObjects/AGPOptionText.cpp"
 
@@ -41,8 +43,16 @@ std::string AGPOptionText::getContent() {
     return mContent;
 }
 
-// The phone-number element does not exist yet, so no child of that type can be present; once it
-// does, it is handed this text as its number here and then supplies the content.
+// Children are initialised first, so the phone number is ready to take the text as its number;
+// from then on it supplies the content.
 void AGPOptionText::initializeElement() {
-    mHasPhoneNumber = getChildByType(AGPObjectTypeInfo::ti_IppPhoneNumber) != nullptr;
+    AGPIppPhoneNumber* number = getPhoneNumber();
+    if (number != nullptr) {
+        number->setPhoneNumber(mContent);
+    }
+    mHasPhoneNumber = number != nullptr;
+}
+
+AGPIppPhoneNumber* AGPOptionText::getPhoneNumber() {
+    return static_cast<AGPIppPhoneNumber*>(getChildByType(AGPObjectTypeInfo::ti_IppPhoneNumber));
 }

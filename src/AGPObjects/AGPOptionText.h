@@ -5,6 +5,8 @@
 
 #include "AGPCommonBase.h"
 
+class AGPIppPhoneNumber;
+
 class AGPOptionText : public AGPCommonBase {
 public:
     enum AGPState : std::int32_t { STATE_NORMAL = 0, GRAY = 1 };
@@ -27,6 +29,8 @@ public:
     static AGPState parseAGPState(const std::string& text);
 
     bool hasPhoneNumber() const { return mHasPhoneNumber; }
+    // The phone number child, or null.
+    AGPIppPhoneNumber* getPhoneNumber();
 
 private:
     AGPChildCount mIppPhoneNumberCount;

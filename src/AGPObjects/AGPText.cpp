@@ -1,6 +1,8 @@
 // A text element, kept with all its blanks and line feeds; it may hold one phone number.
 #include "AGPText.h"
 
+#include "AGPIppPhoneNumber.h"
+
 AGPText::AGPText() : mIppPhoneNumberCount(0, 1), mPhoneNumberSet(false) {
     registerElement();
 }
@@ -20,9 +22,14 @@ bool AGPText::addChild(AGPCommonBase& child) {
     return false;
 }
 
-// The phone-number element takes the text as its number when it is initialised; until the
-// phone-number element exists the factory creates none, so there is nothing to hand over.
-void AGPText::initializeElement() {}
+// Children are initialised first, so the phone number is ready to take the text as its number.
+void AGPText::initializeElement() {
+    auto* phoneNumber = static_cast<AGPIppPhoneNumber*>(getChildByType(AGPObjectTypeInfo::ti_IppPhoneNumber));
+    if (phoneNumber != nullptr) {
+        phoneNumber->setPhoneNumber(mContent);
+        mPhoneNumberSet = true;
+    }
+}
 
 std::string AGPText::getContent() {
     AGPCommonBase* phoneNumber = getChildByType(AGPObjectTypeInfo::ti_IppPhoneNumber);
