@@ -3,26 +3,35 @@
 
 #include <atomic>
 #include <memory>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <thread>
+
+#include "ListenerGuard.h"
 
 class EmulatedPhone;
 class PhoneJournal;
 
 namespace httplib {
 class Server;
-}
+struct Response;
+} // namespace httplib
 
 // Every call and its answer are described, with examples, in docs/control-api.md.
 class ControlApi {
 public:
-    static constexpr size_t kWorkers = 32;
+    // Workers of the listener; event streams may take at most kMaxEventStreams of them, so the
+    // calls always find one free.
+    static constexpr size_t kWorkers = 48;
+    static constexpr int kMaxEventStreams = 8;
 
     ControlApi(EmulatedPhone& phone, PhoneJournal& journal, const std::string& application);
     ~ControlApi();
     ControlApi(const ControlApi&) = delete;
     ControlApi& operator=(const ControlApi&) = delete;
 
+    // Who may call, beyond the listener's own address; see ListenerGuard. Before start.
+    ListenerGuard& guard() { return mGuard; }
     // Listens on host:port (0: any free port). False with the reason.
     bool start(const std::string& host, int port, std::string& problem);
     void stop();
@@ -37,6 +46,7 @@ public:
 
 private:
     void addRoutes();
+    void handleCallAction(const nlohmann::json& body, httplib::Response& response);
 
     EmulatedPhone& mPhone;
     PhoneJournal& mJournal;
@@ -46,4 +56,6 @@ private:
     int mPort = 0;
     std::atomic<bool> mQuit{false};
     std::atomic<bool> mStopping{false};
+    std::atomic<int> mEventStreams{0};
+    ListenerGuard mGuard;
 };

@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 
 #include "EmulatedPhone.h"
@@ -96,6 +97,17 @@ bool DemoServer::start(std::string& problem) {
                  [this, answer](const httplib::Request& request, httplib::Response& response) {
                      answer(response, document(request.matches[1]));
                  });
+    // The pictures of the menu entries and the alert, from the demo's pictures folder.
+    mServer->Get(R"(/demo/pictures/([a-z-]{1,32})\.png)", [this](const httplib::Request& request,
+                                                                 httplib::Response& response) {
+        std::ifstream in(mFolder + "/pictures/" + request.matches[1].str() + ".png", std::ios::binary);
+        std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+        if (bytes.empty()) {
+            response.status = 404;
+            return;
+        }
+        response.set_content(bytes, "image/png");
+    });
     mServer->Get("/demo/menu", [this, answer](const httplib::Request& request, httplib::Response& response) {
         const std::string page = request.get_param_value("page");
         if (page == "push") {

@@ -1,7 +1,12 @@
 // The emulated phone: the platform's event thread, display and services around one phonelet.
 #include "EmulatedPhone.h"
 
+#include <cstdint>
+#include <thread>
+
+#include "display/Image.h"
 #include "phonelet/Phonelet.h"
+#include "threads/ThreadActivity.h"
 
 EmulatedPhone::EmulatedPhone(const PhoneOptions& options)
     : mDisplay(mLoop, options.model), mConfiguration(mLoop), mHttp(options.extraCaFile), mKeypad(mLoop),
@@ -11,10 +16,17 @@ EmulatedPhone::EmulatedPhone(const PhoneOptions& options)
     mContext.setLocale(options.locale);
     mContext.setDateFormat(options.dateFormat);
     mContext.setTimeFormat(options.timeFormat);
+    DisplayAPI::Image::setFolders(options.filesFolder, options.skinFolder);
+    mHttp.setMaxDocumentSize(options.maxDocumentSize);
     registerServices();
+    mCallControl.setCallObserver([this] { callsChanged(); });
+    // Digits that no widget takes, while dialling is off, go to the keypad's subscribers.
+    mDisplay.setKeypadObserver([this](int code) { mKeypad.pressKey(code); });
 }
 
 EmulatedPhone::~EmulatedPhone() {
+    mCallControl.setCallObserver(nullptr);
+    mDisplay.setKeypadObserver(nullptr);
     stop();
     mLoop.stop();
 }
@@ -47,6 +59,40 @@ bool EmulatedPhone::loadPhonelet(const std::string& pluginPath, std::string& err
         ok = true;
     });
     return ok;
+}
+
+bool EmulatedPhone::isDateFormat(const std::string& format) {
+    return format == "MM/DD/YYYY" || format == "YYYY-MM-DD" || format == "DD.MM.YYYY";
+}
+
+bool EmulatedPhone::isTimeFormat(const std::string& format) {
+    return format == "12HR" || format == "24HR";
+}
+
+bool EmulatedPhone::setDateFormat(const std::string& format) {
+    if (!isDateFormat(format)) {
+        return false;
+    }
+    mLoop.runAndWait([this, format] {
+        mContext.setDateFormat(format);
+        if (mPhonelet != nullptr) {
+            mPhonelet->dateFormatChanged(format);
+        }
+    });
+    return true;
+}
+
+bool EmulatedPhone::setTimeFormat(const std::string& format) {
+    if (!isTimeFormat(format)) {
+        return false;
+    }
+    mLoop.runAndWait([this, format] {
+        mContext.setTimeFormat(format);
+        if (mPhonelet != nullptr) {
+            mPhonelet->timeFormatChanged(format);
+        }
+    });
+    return true;
 }
 
 void EmulatedPhone::start() {
@@ -104,13 +150,12 @@ void EmulatedPhone::setPushObserver(PushObserver observer) {
 
 nlohmann::json EmulatedPhone::describeState() const {
     nlohmann::json beeps = nlohmann::json::array();
+    std::uint64_t beepsPlayed = 0;
     for (const auto& beep : mMedia.beeps()) {
         beeps.push_back(beep.beepNumber);
+        beepsPlayed = beep.sequence;
     }
-    nlohmann::json calls = nlohmann::json::array();
-    for (const auto& call : mCallControl.calls()) {
-        calls.push_back({{"id", call.callId}, {"called", call.calledDevice}, {"answered", call.answered}});
-    }
+    nlohmann::json calls = describeCalls();
     const std::string application = mContext.getApplicationName();
     return {{"application", application},
             {"running", isRunning()},
@@ -118,8 +163,44 @@ nlohmann::json EmulatedPhone::describeState() const {
             {"front", mPhoneletManager.frontPhonelet()},
             {"led", mPhoneletManager.isLedOn(application)},
             {"tabBarFocused", mPhoneletManager.isTabBarFocused()},
+            {"dateFormat", mContext.getDateFormat()},
+            {"timeFormat", mContext.getTimeFormat()},
             {"beeps", beeps},
+            {"beepsPlayed", beepsPlayed},
             {"calls", calls}};
+}
+
+nlohmann::json EmulatedPhone::describeCalls() const {
+    nlohmann::json calls = nlohmann::json::array();
+    for (const auto& call : mCallControl.calls()) {
+        const char* state = call.held ? "held" : call.answered ? "connected" : "ringing";
+        calls.push_back({{"id", call.callId},
+                         {"direction", call.incoming ? "incoming" : "outgoing"},
+                         {"calling", call.callingDevice},
+                         {"called", call.calledDevice},
+                         {"answered", call.answered},
+                         {"state", state}});
+    }
+    return calls;
+}
+
+// The phone's call screen comes in front of the application with every new call and leaves
+// with the last one; an application that takes the focus back (answered call) stays in front.
+void EmulatedPhone::callsChanged() {
+    const std::size_t count = mCallControl.calls().size();
+    const std::string application = mContext.getApplicationName();
+    if (count > mCallsSeen) {
+        mPhoneletManager.setPhoneScreenInFront(true);
+        if (mPhonelet != nullptr && mDisplay.isShown()) {
+            mPhonelet->hide();
+        }
+    } else if (count == 0 && mCallsSeen > 0) {
+        mPhoneletManager.setPhoneScreenInFront(false);
+        if (mPhonelet != nullptr && !mDisplay.isShown() && mPhoneletManager.frontPhonelet() == application) {
+            mPhonelet->show();
+        }
+    }
+    mCallsSeen = count;
 }
 
 bool EmulatedPhone::lifeCycle(const std::string& action) {
@@ -140,6 +221,33 @@ bool EmulatedPhone::lifeCycle(const std::string& action) {
         }
     });
     return done;
+}
+
+bool EmulatedPhone::waitUntilIdle(std::chrono::milliseconds timeout, std::string& busy) {
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point deadline = Clock::now() + timeout;
+    Clock::time_point quietSince = Clock::now();
+    std::uint64_t revision = mDisplay.revision();
+    for (;;) {
+        mDisplay.waitUntilSettled();
+        const bool queuesIdle = ThreadActivity::allWaitingForWork();
+        const bool noTransfers = mHttp.transfersUnderWay() == 0;
+        const bool displayStill = mDisplay.revision() == revision;
+        const Clock::time_point now = Clock::now();
+        if (!queuesIdle || !noTransfers || !displayStill) {
+            quietSince = now;
+            revision = mDisplay.revision();
+        } else if (now - quietSince >= kQuietTime) {
+            return true;
+        }
+        if (now >= deadline) {
+            busy = !queuesIdle    ? "a message queue is working"
+                   : !noTransfers ? "a request is under way"
+                                  : "the display keeps changing";
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
 }
 
 bool EmulatedPhone::isRunning() const {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -29,6 +30,12 @@ struct PhoneOptions {
     std::string dateFormat = "DD.MM.YYYY";
     std::string timeFormat = "24HR";
     std::string extraCaFile;
+    // The phone's own pictures: "file:" paths are read inside filesFolder, skin pictures from
+    // skinFolder; empty leaves those pictures out.
+    std::string filesFolder;
+    std::string skinFolder;
+    std::string phonebookFile; // CSV, see DirectoryService::loadFile; "" for an empty phone book
+    std::uint64_t maxDocumentSize = HttpServiceIfc::kDefaultMaxDocumentSize;
 };
 
 // Every life-cycle call reaches the phonelet on the event thread, as on the phone. The phone
@@ -58,9 +65,28 @@ public:
     // The host's show, hide or tab of the application; false for another word or no phonelet.
     bool lifeCycle(const std::string& action);
     bool isRunning() const;
+    // The phone's date format ("MM/DD/YYYY", "YYYY-MM-DD", "DD.MM.YYYY") or time format ("12HR",
+    // "24HR") changed by the user: stored in the context and told to the running phonelet, on the
+    // event thread. False, changing nothing, for any other text.
+    bool setDateFormat(const std::string& format);
+    static bool isDateFormat(const std::string& format);
+    static bool isTimeFormat(const std::string& format);
+    bool setTimeFormat(const std::string& format);
+    std::string dateFormat() const { return mContext.getDateFormat(); }
+    std::string timeFormat() const { return mContext.getTimeFormat(); }
+    // How long the display must hold still before the phone counts as settled.
+    static constexpr std::chrono::milliseconds kQuietTime{250};
+    // Waits (at most `timeout`) until the phone is settled: every message queue's thread waits
+    // for work with none queued, no HTTP request is under way, the event loop has run everything
+    // queued, and the display has not changed for kQuietTime. False when the time ran out, with
+    // what was still busy in `busy`. Timers (an alert's delay, an automatic reload) do not count.
+    bool waitUntilIdle(std::chrono::milliseconds timeout, std::string& busy);
     // What the control API and the web page show besides the display: running, shown, front
     // phonelet, the application's LED, tab bar focus, beeps and calls.
     nlohmann::json describeState() const;
+    // The calls of the phone: id, direction, calling and called number, answered, state
+    // ("ringing", "connected" or "held").
+    nlohmann::json describeCalls() const;
 
     // Takes a service away from the context, as on a phone where it is missing.
     void removeService(const std::string& name) { mContext.setService(name, nullptr); }
@@ -84,6 +110,8 @@ public:
 
 private:
     void registerServices();
+    // On the event thread: the call screen follows the calls.
+    void callsChanged();
     void stopOnLoop();
 
     EventLoop mLoop;
@@ -99,6 +127,7 @@ private:
     Context mContext;
     PluginLoader mPlugin;
     Phonelet* mPhonelet = nullptr; // used on the event thread only
+    std::size_t mCallsSeen = 0;    // used on the event thread only
     std::atomic<bool> mRunning{false};
     mutable std::mutex mObserverMutex;
     PushObserver mPushObserver;

@@ -12,6 +12,8 @@
 namespace {
 
 const char* const kPhonePrefix = "phone.";
+const std::string kAppNamePrefix = "app-name-";
+const std::string kNumTabsPrefix = "num-tabs-";
 
 bool isOneOf(const std::string& value, std::initializer_list<const char*> allowed) {
     for (const char* candidate : allowed) {
@@ -96,6 +98,22 @@ bool PhoneConfiguration::applyModel(const std::string& name, DisplayAPI::Display
     return true;
 }
 
+namespace {
+
+bool readDocumentSize(const std::string& text, std::uint64_t& bytes) {
+    if (text.empty() || text.size() > 10 || text.find_first_not_of("0123456789") != std::string::npos) {
+        return false;
+    }
+    const std::uint64_t value = std::stoull(text);
+    if (value < 1024 || value > 1024 * 1024 * 1024) {
+        return false;
+    }
+    bytes = value;
+    return true;
+}
+
+} // namespace
+
 bool PhoneConfiguration::applyPhoneSetting(const std::string& key, const std::string& value,
                                            std::string& problem) {
     if (key == "phone.model") {
@@ -113,10 +131,19 @@ bool PhoneConfiguration::applyPhoneSetting(const std::string& key, const std::st
         mOptions.dateFormat = value;
     } else if (key == "phone.time-format" && isOneOf(value, {"12HR", "24HR"})) {
         mOptions.timeFormat = value;
+    } else if (key == "phone.files" && !value.empty()) {
+        mOptions.filesFolder = value;
+    } else if (key == "phone.phonebook" && !value.empty()) {
+        mOptions.phonebookFile = value;
     } else if (key == "phone.application" && !value.empty()) {
         mApplication = value;
+    } else if (key == "phone.max-document-size") {
+        if (!readDocumentSize(value, mOptions.maxDocumentSize)) {
+            problem = "bad value '" + value + "' for " + key + ": a number of bytes from 1024 to 1073741824";
+            return false;
+        }
     } else if (isOneOf(key, {"phone.soft-keys", "phone.locale", "phone.date-format", "phone.time-format",
-                             "phone.application"})) {
+                             "phone.application", "phone.files", "phone.phonebook"})) {
         problem = "bad value '" + value + "' for " + key;
         return false;
     } else {
@@ -135,14 +162,35 @@ bool PhoneConfiguration::loadFile(const std::string& path, std::vector<std::stri
     ConfigurationFile::read(path, entries, problems, isKnown);
     for (const ConfigurationFile::Entry& entry : entries) {
         std::string problem;
-        if (entry.key.compare(0, 6, kPhonePrefix) != 0) {
+        if (entry.key.compare(0, kNumTabsPrefix.size(), kNumTabsPrefix) == 0 &&
+            !isOneOf(entry.value, {"0", "1", "2", "3"})) {
+            // The phonelet would wait on its start-up screen for ever, requesting nothing.
+            problems.push_back(path + ":" + std::to_string(entry.line) + ": bad value '" + entry.value +
+                               "' for " + entry.key + ": 0 (one screen, no tabs) or 1 to 3 (tabs)");
+        } else if (entry.key.compare(0, 6, kPhonePrefix) != 0) {
             mDatabase[entry.key] = entry.value;
         } else if (!applyPhoneSetting(entry.key, entry.value, problem)) {
             problems.push_back(path + ":" + std::to_string(entry.line) + ": " + problem);
         }
     }
     sortByLine(problems, before);
+    defaultMissingTabCounts(path, entries);
     return problems.size() == before;
+}
+
+void PhoneConfiguration::defaultMissingTabCounts(const std::string& path,
+                                                 const std::vector<ConfigurationFile::Entry>& entries) {
+    for (const ConfigurationFile::Entry& entry : entries) {
+        if (entry.key.compare(0, kAppNamePrefix.size(), kAppNamePrefix) != 0) {
+            continue;
+        }
+        const std::string numTabs = kNumTabsPrefix + entry.key.substr(kAppNamePrefix.size());
+        if (mDatabase.count(numTabs) == 0) {
+            mDatabase[numTabs] = "0";
+            mNotices.push_back(path + ":" + std::to_string(entry.line) + ": " + entry.key + " has no " +
+                               numTabs + "; using 0 (one screen, no tabs)");
+        }
+    }
 }
 
 bool PhoneConfiguration::useApplicationUrl(const std::string& url, const std::string& appName,

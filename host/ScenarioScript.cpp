@@ -22,11 +22,32 @@ struct Grammar {
     bool needsText; // the step needs a text (or key names)
 };
 
-const Grammar kGrammar[] = {
-    {"press", 1, true},          {"type", 1, true},         {"push", 1, true},
-    {"wait text", 2, true},      {"wait request", 2, true}, {"expect title", 2, true},
-    {"expect no text", 3, true}, {"expect text", 2, true},  {"expect request", 2, true},
-    {"expect log", 2, true},     {"timeout", 1, true}};
+const Grammar kGrammar[] = {{"press", 1, true},        {"type", 1, true},
+                            {"push", 1, true},         {"wait text", 2, true},
+                            {"wait request", 2, true}, {"wait idle", 2, false},
+                            {"expect title", 2, true}, {"expect no text", 3, true},
+                            {"expect text", 2, true},  {"expect request", 2, true},
+                            {"expect log", 2, true},   {"timeout", 1, true},
+                            {"ring", 1, true},         {"answer", 1, false},
+                            {"hang up", 2, false},     {"expect no calls", 3, false},
+                            {"expect call", 2, true},  {"expect led", 2, true},
+                            {"expect tone", 2, true}};
+
+// The system beep of each tone name.
+int beepOfTone(const std::string& name) {
+    return name == "short" ? 2 : name == "standard" ? 3 : name == "long" ? 4 : 0;
+}
+
+// The newest call that is not yet answered (answer), or the newest call (hang up); "" for none.
+std::string newestCall(EmulatedPhone& phone, bool unansweredOnly) {
+    const auto calls = phone.callControl().calls();
+    for (auto call = calls.rbegin(); call != calls.rend(); ++call) {
+        if (!unansweredOnly || !call->answered) {
+            return call->callId;
+        }
+    }
+    return "";
+}
 
 std::string trim(const std::string& text) {
     const size_t first = text.find_first_not_of(" \t\r");
@@ -99,6 +120,11 @@ template <typename Check> bool waitUntil(int timeoutSeconds, Check check) {
     return true;
 }
 
+// The second command word, "" for one-word commands.
+std::string kind(const ScenarioScript::Step& step) {
+    return step.words.size() > 1 ? step.words[1] : "";
+}
+
 } // namespace
 
 bool ScenarioScript::load(const std::string& path, std::vector<std::string>& problems) {
@@ -153,6 +179,13 @@ bool ScenarioScript::load(const std::string& path, std::vector<std::string>& pro
             }
         } else if (step.words[0] == "push" && PushEndpoint::pushType(words(step.text)[0]) == 0) {
             problem("push type must be queue, indicate, force or active, not '" + words(step.text)[0] + "'");
+        } else if (step.words[0] == "wait" && step.words[1] == "idle" && !step.text.empty()) {
+            problem("'wait idle' takes no text");
+        } else if (step.words[0] == "expect" && kind(step) == "led" && step.text != "on" &&
+                   step.text != "off") {
+            problem("expect led takes on or off, not '" + step.text + "'");
+        } else if (step.words[0] == "expect" && kind(step) == "tone" && beepOfTone(step.text) == 0) {
+            problem("expect tone takes short, standard or long, not '" + step.text + "'");
         } else if (step.words[0] == "timeout" &&
                    step.text.find_first_not_of("0123456789") != std::string::npos) {
             problem("timeout takes whole seconds, not '" + step.text + "'");
@@ -171,8 +204,9 @@ bool ScenarioScript::run(EmulatedPhone& phone, PhoneJournal& journal, std::strin
             for (const std::string& word : step.words) {
                 command += (command.empty() ? "" : " ") + word;
             }
-            report = mPath + ":" + std::to_string(step.line) + ": " + command + " \"" + step.text +
-                     "\" failed\n--- seen ---\n" + seen;
+            const std::string text = step.text.empty() ? "" : " \"" + step.text + "\"";
+            report = mPath + ":" + std::to_string(step.line) + ": " + command + text +
+                     " failed\n--- seen ---\n" + seen + (seen.empty() || seen.back() == '\n' ? "" : "\n");
             return false;
         }
     }
@@ -207,12 +241,65 @@ bool ScenarioScript::runStep(const Step& step, EmulatedPhone& phone, PhoneJourna
         timeoutSeconds = std::stoi(step.text);
         return true;
     }
-    const bool negate = step.words.size() > 2 && step.words[1] == "no";
+    if (command == "ring") {
+        const std::string callId = phone.callControl().ringIncoming(step.text, seen);
+        return !callId.empty();
+    }
+    if (command == "answer" || command == "hang") {
+        const std::string callId = newestCall(phone, command == "answer");
+        seen = callId.empty() ? "no call to " + command : phone.describeCalls().dump(1);
+        return !callId.empty() && (command == "answer" ? phone.callControl().answerCall(callId)
+                                                       : phone.callControl().hangUp(callId));
+    }
+    if (kind == "call" || (kind == "no" && step.words.size() > 2 && step.words[2] == "calls")) {
+        return waitUntil(timeoutSeconds, [&] {
+            const nlohmann::json calls = phone.describeCalls();
+            seen = calls.dump(1);
+            if (kind == "no") {
+                return calls.empty();
+            }
+            for (const auto& call : calls) {
+                if (call["calling"] == step.text || call["called"] == step.text) {
+                    return true;
+                }
+            }
+            return false;
+        });
+    }
+    if (kind == "led") {
+        return waitUntil(timeoutSeconds, [&] {
+            const bool on = phone.describeState()["led"].get<bool>();
+            seen = on ? "the LED is on" : "the LED is off";
+            return on == (step.text == "on");
+        });
+    }
+    if (kind == "tone") {
+        // Each expected tone takes the first matching beep after the one the last step took.
+        return waitUntil(timeoutSeconds, [&] {
+            const auto beeps = phone.media().beeps();
+            seen = "beeps played:";
+            for (size_t i = 0; i < beeps.size(); ++i) {
+                seen += " " + std::to_string(beeps[i].beepNumber);
+                if (beeps[i].sequence > mToneTaken && beeps[i].beepNumber == beepOfTone(step.text)) {
+                    mToneTaken = beeps[i].sequence;
+                    return true;
+                }
+            }
+            return false;
+        });
+    }
+    const bool negate = step.words.size() > 2 && step.words[1] == "no" && step.words[2] == "text";
     auto textOnScreen = [&] {
         seen = screenText(phone);
         return (seen.find(step.text) != std::string::npos) != negate;
     };
     auto requestMade = [&] { return anyContains(journal.requests(0), "url", step.text, seen); };
+    if (command == "wait" && kind == "idle") {
+        std::string busy;
+        const bool idle = phone.waitUntilIdle(std::chrono::seconds(timeoutSeconds), busy);
+        seen = "still busy: " + busy;
+        return idle;
+    }
     if (command == "wait") {
         return kind == "text" ? waitUntil(timeoutSeconds, textOnScreen)
                               : waitUntil(timeoutSeconds, requestMade);

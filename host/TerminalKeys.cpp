@@ -25,6 +25,7 @@ void TerminalKeys::readLines() {
     while (std::getline(std::cin, line)) {
         if (line.rfind("type ", 0) == 0) {
             mPhone.display().typeText(line.substr(5));
+            mPhone.display().waitUntilSettled();
             continue;
         }
         std::istringstream words(line);
@@ -39,7 +40,10 @@ void TerminalKeys::readLines() {
                 return;
             }
             if (DisplayAPI::keyFromName(word, key)) {
+                // Piped lines come faster than a person types: each key's effects are on the
+                // screen before the next key.
                 mPhone.display().pressKey(key);
+                mPhone.display().waitUntilSettled();
             } else {
                 std::cout << "unknown key '" << word << "'\n" << std::flush;
             }

@@ -6,11 +6,12 @@
 
 class EmulatedPhone;
 
-// Reads lines from standard input: key names separated by blanks ("down ok", "softkey1", "5"),
-// "type TEXT" for text, "quit" to end. Unknown words are answered with the list of keys.
+// Reads lines from standard input, a terminal or a pipe: key names separated by blanks ("down ok",
+// "softkey1", "5"), "type TEXT" for text, "quit" to end. Unknown words are answered with the list of keys.
 class TerminalKeys {
 public:
-    // Does nothing when `enabled` is false (no terminal, or no text view).
+    // Does nothing when `enabled` is false (no text view). At the end of the input the phone runs
+    // on until it is stopped.
     TerminalKeys(EmulatedPhone& phone, bool enabled);
     // The reader thread is left to the process's end: a read from a terminal cannot be interrupted.
     ~TerminalKeys() = default;

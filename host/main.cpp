@@ -12,6 +12,7 @@
 #include "ControlApi.h"
 #include "DemoServer.h"
 #include "EmulatedPhone.h"
+#include "ListenerGuard.h"
 #include "PhoneConfiguration.h"
 #include "PhoneJournal.h"
 #include "PushEndpoint.h"
@@ -32,6 +33,8 @@ struct Arguments {
     std::string render = "none";
     std::string model;
     std::string script;
+    std::vector<std::string> httpNames;
+    std::string httpToken;
     bool headless = false;
     bool demo = false;
 };
@@ -137,6 +140,10 @@ int main(int argc, char** argv) {
     app.add_option("--push", arguments.push, "Push listener HOST:PORT, or off")->capture_default_str();
     app.add_option("--http", arguments.http, "Control API (and web page) HOST:PORT, or off")
         ->capture_default_str();
+    app.add_option("--http-name", arguments.httpNames,
+                   "Another name the control API answers to (as HOST in the browser's address)");
+    app.add_option("--http-token", arguments.httpToken,
+                   "Token every control API request must carry; needed to listen beyond loopback");
     app.add_option("--render", arguments.render, "Print every new screen: text or none")
         ->check(CLI::IsMember({"text", "none"}))
         ->capture_default_str();
@@ -160,6 +167,9 @@ int main(int argc, char** argv) {
             std::cerr << "agp-phone: " << problem << "\n";
         }
         return 2;
+    }
+    for (const std::string& notice : configuration.notices()) {
+        std::cerr << "agp-phone: " << notice << "\n";
     }
     std::string problem;
     DemoServer demoServer(findDataFolder("demo", "apps/demo", "start.xml"));
@@ -198,6 +208,10 @@ int main(int argc, char** argv) {
     if (arguments.http != "off" && !splitAddress(arguments.http, httpHost, httpPort)) {
         return fail(2, "--http: expected HOST:PORT or off, got '" + arguments.http + "'");
     }
+    if (arguments.http != "off" && !ListenerGuard::isLoopback(httpHost) && arguments.httpToken.empty()) {
+        return fail(2, "--http: listening beyond loopback (" + httpHost +
+                           ") lets others drive the phone; give --http-token TOKEN as well");
+    }
 
     // Signals are taken by the main thread alone; every thread started later inherits the mask.
     sigset_t signals;
@@ -208,11 +222,21 @@ int main(int argc, char** argv) {
 
     PhoneOptions options = configuration.phoneOptions();
     options.applicationName = application;
+    if (options.filesFolder.empty()) {
+        options.filesFolder = findDataFolder("files", "apps/files", ".");
+    }
+    options.skinFolder = findDataFolder("skin", "skin", "05_Icons/05_Phone.png");
     if (!arguments.model.empty()) {
         PhoneConfiguration::applyModel(arguments.model, options.model);
     }
     PhoneJournal journal;
     EmulatedPhone phone(options);
+    if (!options.phonebookFile.empty() && !phone.directory().loadFile(options.phonebookFile, problems)) {
+        for (const std::string& phonebookProblem : problems) {
+            std::cerr << "agp-phone: " << phonebookProblem << "\n";
+        }
+        return 2;
+    }
     phone.http().setTrafficObserver(
         std::shared_ptr<HttpTrafficObserver>(&journal, [](HttpTrafficObserver*) {}));
     watchScreen(phone, journal, arguments.render == "text");
@@ -231,6 +255,10 @@ int main(int argc, char** argv) {
         return fail(1, problem);
     }
     ControlApi control(phone, journal, application);
+    for (const std::string& name : arguments.httpNames) {
+        control.guard().addName(name);
+    }
+    control.guard().setToken(arguments.httpToken);
     const std::string webFolder = findDataFolder("web", "web", "index.html");
     const bool webPage = arguments.http != "off" && !arguments.headless && control.serveWebPage(webFolder);
     if (arguments.http != "off" && !arguments.headless && !webPage) {
@@ -268,7 +296,7 @@ int main(int argc, char** argv) {
             status = 1;
         }
     } else {
-        TerminalKeys keys(phone, arguments.render == "text" && isatty(STDIN_FILENO));
+        TerminalKeys keys(phone, arguments.render == "text");
         runUntilStopped(phone, control, signals);
     }
     control.stop();
