@@ -4,6 +4,8 @@ import { renderDisplay } from './display.js';
 import { connectEvents } from './events.js';
 import { bindKeyboard, bindKeyClicks, buildDialPad, KeySender, renderSoftKeys } from './keys.js';
 import { displayPng, downloadBlob } from './png.js';
+import { bindFormatSettings, showFormats } from './settings.js';
+import { PhonePanel } from './phone.js';
 
 const page = {
   snapshot: null,
@@ -15,6 +17,7 @@ const display = document.getElementById('display');
 const softKeys = document.getElementById('softkeys');
 const panel = new DevPanel(document.querySelector('.devpanel'));
 const sender = new KeySender(() => isEditing(page.snapshot));
+const phonePanel = new PhonePanel(document.getElementById('panel-phone'), document.getElementById('call-screen'));
 
 // A field takes typed text while a text field is being edited or an editable text box is shown,
 // and nothing covers it.
@@ -36,6 +39,9 @@ function showScreen(snapshot) {
   renderSoftKeys(softKeys, snapshot.model, snapshot.softKeys);
   display.dataset.revision = snapshot.revision;
   sender.screenChanged();
+  if (page.state) {
+    phonePanel.showCallScreen(page.state.calls ?? [], snapshot);
+  }
 }
 
 function showState(state) {
@@ -45,6 +51,8 @@ function showState(state) {
   document.getElementById('app-key').title =
     `Application key: shows ${state.application || 'the application'}${state.led ? ' (LED on)' : ''}`;
   document.title = `${state.application || 'agp-phone'} — agp-phone`;
+  showFormats(document.getElementById('date-format'), document.getElementById('time-format'), state);
+  phonePanel.update(state, page.snapshot);
 }
 
 function showConnection(open) {
@@ -114,6 +122,7 @@ bindKeyClicks(document.querySelector('.phone'), sender);
 bindKeyboard(document, sender);
 document.getElementById('copy-text').addEventListener('click', reportFailure(copyScreenText));
 document.getElementById('save-png').addEventListener('click', reportFailure(savePng));
+bindFormatSettings(document.getElementById('date-format'), document.getElementById('time-format'), say);
 connectEvents({
   screen: showScreen,
   state: showState,

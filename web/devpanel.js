@@ -4,6 +4,7 @@ import { prettyXml } from './xml.js';
 
 const LOG_KEPT = 2000;
 const PUSH_TYPES = { 1: 'queue', 2: 'indicate', 3: 'force', 4: 'active' };
+const TRACE_LEVEL = 5;
 const LEVEL_NAMES = { 1: 'fatal', 2: 'error', 3: 'warning', 4: 'info', 5: 'trace', 6: 'detail' };
 
 // Entries numbered by the host; after a reconnect the host sends what it keeps again, and after
@@ -47,7 +48,20 @@ export class DevPanel {
     this.modules = new Set();
     this.bindTabs();
     this.moduleFilter.addEventListener('change', () => this.redrawLog());
-    this.levelFilter.addEventListener('change', () => this.redrawLog());
+    this.levelFilter.addEventListener('change', () => {
+      this.askForLevel(Number(this.levelFilter.value));
+      this.redrawLog();
+    });
+  }
+
+  // The phone keeps the normal trace; the detailed one costs it work on every element of every
+  // document, so it is kept only from the moment the developer asks for it here.
+  askForLevel(level) {
+    fetch('api/log/level', {
+      method: 'POST',
+      headers: { 'Content-Type': 'application/json' },
+      body: JSON.stringify({ level: Math.max(level, TRACE_LEVEL) }),
+    }).catch((error) => console.warn('agp-phone: log level not changed', error));
   }
 
   // After a reconnect the next batch of each kind may start the numbering anew.
@@ -203,7 +217,8 @@ function requestBody(entry) {
     fact('Connection status', entry.connectionStatus);
   }
   fact('Error', textOf(entry.error));
-  fact('Size', `${entry.bodySize ?? 0} bytes${entry.bodyTruncated ? ' (shown in part)' : ''}`);
+  const shown = entry.bodyDropped ? ' (no longer kept)' : entry.bodyTruncated ? ' (shown in part)' : '';
+  fact('Size', `${entry.bodySize ?? 0} bytes${shown}`);
   body.append(facts);
   if (Array.isArray(entry.headers) && entry.headers.length > 0) {
     body.append(el('div', 'detail-heading', 'Response headers'));

@@ -160,8 +160,9 @@ function listRow(row, widget) {
   return line;
 }
 
-// A picture the page cannot load (the snapshot carries no address): a box of its size and kind.
-function imageBox(image, className) {
+// A picture at its size: the real one from the phone when the snapshot gives its address, else a
+// box of its size and kind (a broken picture shows why in its tooltip).
+function imageBox(image, className, altText = '') {
   const box = el('span', `image ${className}`);
   if (!image) {
     box.classList.add('reserved');
@@ -169,7 +170,19 @@ function imageBox(image, className) {
   }
   box.style.setProperty('--iw', image.width || 16);
   box.style.setProperty('--ih', image.height || 16);
-  box.title = `${image.kind} ${image.width}×${image.height}${image.path ? ` ${image.path}` : ''}`;
+  const alt = altText || image.name || `${image.width}×${image.height} ${image.kind}`;
+  box.title = `${image.kind} ${image.width}×${image.height}${image.path ? ` ${image.path}` : ''}`
+    + `${image.problem ? `: ${image.problem}` : ''}`;
+  if (image.url) {
+    const picture = el('img', 'picture');
+    picture.src = image.url;
+    picture.alt = alt;
+    picture.width = image.width;
+    picture.height = image.height;
+    box.classList.add('loaded');
+    box.append(picture);
+    return box;
+  }
   box.append(el('span', 'image-kind', image.kind === 'broken' ? '✕' : `${image.width}×${image.height}`));
   if (image.kind === 'broken') {
     box.classList.add('broken');
@@ -219,9 +232,18 @@ function itemValue(item) {
       break;
     case 'slider':
       value.append(slider(item));
+      if (item.automatic) {
+        value.classList.add('automatic');
+      }
       break;
     case 'imageItem':
-      value.append(item.image ? imageBox(item.image, 'item-image') : el('span', '', textOf(item.altText)));
+      value.append(item.image ? imageBox(item.image, 'item-image', textOf(item.altText)) : el('span', 'alt-text', textOf(item.altText)));
+      if (item.arrow) {
+        value.append(el('span', 'arrow', '›'));
+      }
+      if (item.informsOnOk) {
+        value.classList.add('button');
+      }
       break;
     default:
       value.textContent = textOf(item.value);
@@ -262,23 +284,30 @@ function choiceGroup(item, form, row, label) {
   return row;
 }
 
+// A table: the header, then each row with its one or two lines of cells. Above the first row the
+// table itself has the focus (its options), shown on the header.
 function tableRows(table) {
   const rows = [];
+  const reserve = table.reserveArrow ? ' reserve-arrow' : '';
+  const tableFocused = table.focus === -1 && (table.rows ?? []).length > 0;
   if (table.header?.lines?.length) {
-    rows.push(tableRow(table.header, 'table-header', table));
+    rows.push(tableRow(table.header, `table-header${reserve}${tableFocused ? focusClass({ focused: true }, table) : ''}`,
+      table.header.widths));
   }
-  (table.rows ?? []).forEach((row) => rows.push(tableRow(row, `table-row${focusClass(row, table)}`, table)));
+  const firstWidths = table.rows?.[0]?.widths;
+  (table.rows ?? []).forEach((row) => rows.push(
+    tableRow(row, `table-row${reserve}${focusClass(row, table)}`, row.widths?.length ? row.widths : firstWidths)));
   return rows;
 }
 
-function tableRow(row, className, table) {
+function tableRow(row, className, widths) {
   const block = el('div', className);
   for (const line of row.lines ?? []) {
     const cells = el('div', 'table-line');
     line.forEach((cell, index) => {
       const view = el('span', `cell${cell.grey ? ' grey' : ''}`);
-      const width = row.widths?.[index] ?? table.header?.widths?.[index];
-      if (width > 0) {
+      const width = widths?.[index];
+      if (width > 0 && width <= 100) {
         view.style.flex = `0 0 ${width}%`;
       }
       (cell.images ?? []).forEach((image) => view.append(imageBox(image, 'cell-image')));
@@ -374,14 +403,24 @@ function alertView(alert, title) {
   return view;
 }
 
-const PLAYER_STATES = ['stopped', 'playing', 'paused', 'recording'];
+// The widget library's player states by number, and the keys that stand for its buttons.
+const PLAYER_STATES = ['playing', 'ready', 'stopped', 'finished', 'recording'];
+const PLAYER_MODES = ['call', 'record'];
+const PLAYER_KEYS = [
+  ['OK', 'play / pause'], ['◀ ▶', 'rewind / forward'], ['▲ ▼', 'skip back / ahead'],
+  ['5', 'stop'], ['0', 'call'], ['*', 'delete'], ['#', 'confirm'], ['Back', 'cancel'],
+];
 
 function playerView(player, title) {
-  const view = el('div', 'player');
+  const view = el('div', `player player-${PLAYER_STATES[player.state] ?? 'other'}`);
   const progress = player.progress ?? { min: 0, max: 1, value: 0 };
-  append(view, el('div', 'popup-title', title),
-    el('div', 'popup-text', PLAYER_STATES[player.state] ?? `state ${player.state}`),
-    slider({ min: progress.min, max: progress.max, value: progress.value }));
+  const state = `${PLAYER_STATES[player.state] ?? `state ${player.state}`} · ${PLAYER_MODES[player.mode] ?? ''}`;
+  const keys = el('div', 'player-keys');
+  for (const [key, meaning] of PLAYER_KEYS) {
+    append(keys, el('span', 'player-key', key), el('span', 'player-meaning', meaning));
+  }
+  append(view, el('div', 'popup-title', title || 'Player'), el('div', 'popup-text player-state', state),
+    slider({ min: progress.min, max: progress.max, value: progress.value }), keys);
   return view;
 }
 

@@ -30,6 +30,7 @@ export function downloadBlob(blob, name) {
 function displayAsSvg(display, width, height) {
   const copy = display.cloneNode(true);
   copy.removeAttribute('id');
+  embedPictures(display, copy);
   copy.style.setProperty('--scale', '1');
   copy.classList.add('snapshot-copy');
   copyScrollPositions(display, copy);
@@ -38,6 +39,24 @@ function displayAsSvg(display, width, height) {
   return `<svg xmlns="http://www.w3.org/2000/svg" width="${width * PIXEL_RATIO}" height="${height * PIXEL_RATIO}" `
     + `viewBox="0 0 ${width} ${height}"><foreignObject x="0" y="0" width="${width}" height="${height}">`
     + `<div xmlns="http://www.w3.org/1999/xhtml">${styles}${xhtml}</div></foreignObject></svg>`;
+}
+
+// An SVG drawn from a data address loads nothing from outside, so the phone's pictures go in as
+// data addresses of their own (they come from the page's own server, so the canvas may read them).
+function embedPictures(original, copy) {
+  const originals = original.querySelectorAll('img.picture');
+  const copies = copy.querySelectorAll('img.picture');
+  originals.forEach((picture, index) => {
+    if (!picture.complete || picture.naturalWidth === 0) {
+      copies[index].remove();
+      return;
+    }
+    const canvas = document.createElement('canvas');
+    canvas.width = picture.naturalWidth;
+    canvas.height = picture.naturalHeight;
+    canvas.getContext('2d').drawImage(picture, 0, 0);
+    copies[index].src = canvas.toDataURL('image/png');
+  });
 }
 
 // The page's own style rules, so the copy looks like the display (no outside sheets are used).

@@ -1,12 +1,15 @@
 // Runs agp-phone with its demo as a process on free loopback ports and ends it with SIGTERM.
 import { spawn } from 'node:child_process';
 import path from 'node:path';
+import { fileURLToPath } from 'node:url';
 
 const START_TIMEOUT_MS = 20000;
 let started = 0;
+// import.meta.dirname needs Node 20.11; Debian 12 ships Node 18.
+const HERE = path.dirname(fileURLToPath(import.meta.url));
 
 export function buildDirectory() {
-  return process.env.AGP_BUILD_DIR ?? path.resolve(import.meta.dirname, '../../build/default');
+  return process.env.AGP_BUILD_DIR ?? path.resolve(HERE, '../../build/default');
 }
 
 // Each run needs its own application name: the phone keeps a download file named after it.

@@ -13,19 +13,21 @@ const WAIT_MS = 5000;
 let browser;
 let large;
 let small;
+let items;
 
 before(async () => {
   fs.mkdirSync(SCREENSHOTS, { recursive: true });
-  [large, small, browser] = await Promise.all([
+  [large, small, items, browser] = await Promise.all([
     startPhone({ model: 'soft-keys' }),
     startPhone({ model: 'no-soft-keys' }),
+    startPhone({ model: 'soft-keys' }),
     launchBrowser({ downloads: SCREENSHOTS }),
   ]);
 });
 
 after(async () => {
   await browser?.close();
-  const ends = await Promise.all([large, small].filter(Boolean).map((phone) => phone.stop()));
+  const ends = await Promise.all([large, small, items].filter(Boolean).map((phone) => phone.stop()));
   for (const end of ends) {
     assert.deepEqual(end, { code: 0, signal: null }, 'agp-phone ends cleanly on SIGTERM');
   }
@@ -82,6 +84,17 @@ describe('the large phone with soft keys', () => {
     assert.equal(await page.locator('#softkeys [data-key]').count(), 4, 'one button per soft key');
     await page.locator('#requests .url', { hasText: '/demo/start.xml' }).waitFor({ timeout: WAIT_MS });
     await shot(page, '01-menu');
+  });
+
+  test('the menu rows show the real pictures the phone downloaded', async () => {
+    await waitForDisplay(page, 'Pick colours');
+    await page.waitForFunction(() => {
+      const pictures = [...document.querySelectorAll('#display .content img.picture')];
+      return pictures.length === 5 && pictures.every((picture) => picture.complete && picture.naturalWidth === 24);
+    }, null, { timeout: WAIT_MS });
+    const addresses = await page.locator('#display .content img.picture')
+      .evaluateAll((pictures) => pictures.map((picture) => new URL(picture.src).pathname));
+    assert.ok(addresses.every((address) => /^\/api\/pictures\/\d+$/.test(address)), addresses.join());
   });
 
   test('clicks: a colour ticked on the multiple list and sent with the first soft key', async () => {
@@ -187,7 +200,11 @@ describe('the large phone with soft keys', () => {
             }
           }).observe(display, { attributes: true, attributeFilter: ['data-revision'] });
         });
-        await fetch('api/keys', { method: 'POST', body: JSON.stringify({ keys: [name] }) });
+        await fetch('api/keys', {
+          method: 'POST',
+          headers: { 'Content-Type': 'application/json' },
+          body: JSON.stringify({ keys: [name] }),
+        });
         // The key's answer comes once the display has settled: the change is made by then.
         const changed = performance.now();
         return (await shown) - changed;
@@ -203,7 +220,7 @@ describe('the large phone with soft keys', () => {
     await page.locator('#copy-text').click();
     await page.locator('#toolbar-status', { hasText: 'Copied' }).waitFor({ timeout: WAIT_MS });
     const copied = await page.evaluate(() => navigator.clipboard.readText());
-    assert.match(copied, /== AGP demo ==\n(.*\n)*> Show an alert/);
+    assert.match(copied, /== AGP demo ==\n(.*\n)*> \[picture: 24x24 png\] Show an alert/);
 
     const [download] = await Promise.all([page.waitForEvent('download'), page.locator('#save-png').click()]);
     const file = path.join(SCREENSHOTS, '08-saved-display.png');
@@ -239,6 +256,11 @@ describe('the large phone with soft keys', () => {
     await push.waitFor({ timeout: WAIT_MS });
     assert.match(await push.innerText(), /accepted[\s\S]*via demo server/);
     await shot(page, '10-pushed');
+    // Level 6 was asked for above, so the pushed document's elements were traced in detail.
+    await page.locator('#tab-log').click();
+    await page.locator('#log-module').selectOption('AGPXMLParser');
+    await page.locator('#log .log-level', { hasText: 'detail' }).first().waitFor({ timeout: WAIT_MS });
+    await page.locator('#tab-pushes').click();
     assert.deepEqual(page.problems, []);
   });
 });
@@ -259,7 +281,11 @@ describe('the small phone without soft keys', () => {
     await page.keyboard.press('Escape');
     await menu.waitFor({ state: 'detached', timeout: WAIT_MS });
 
-    await fetch(new URL('api/application', small.pageUrl), { method: 'POST', body: '{"action": "hide"}' });
+    await fetch(new URL('api/application', small.pageUrl), {
+      method: 'POST',
+      headers: { 'Content-Type': 'application/json' },
+      body: '{"action": "hide"}',
+    });
     await waitForDisplay(page, 'Application hidden');
     await press(page, 'application');
     await waitForDisplay(page, 'Yellow');
@@ -324,5 +350,206 @@ test('a tab bar, a ticker, choices, a slider and an image placeholder are drawn 
   assert.deepEqual(drawn.image, [40, 20], 'a placeholder of the picture\'s size');
   assert.deepEqual(drawn.softKeys, ['Save', '', '', '']);
   await page.locator('body > .display').screenshot({ path: path.join(SCREENSHOTS, '13-other-widgets.png') });
+  await page.close();
+});
+
+describe('the lunch order and the voice message of the demo', () => {
+  let page;
+
+  before(async () => {
+    page = await openPage(items);
+  });
+
+  after(async () => {
+    assert.deepEqual(page.problems, []);
+    await page.close();
+  });
+
+  async function focusMenuEntry(text) {
+    await page.waitForFunction((wanted) => document.querySelector('#display .focused')?.textContent.includes(wanted),
+      text, { timeout: WAIT_MS });
+  }
+
+  async function focusItem(label) {
+    await page.waitForFunction((wanted) => document.querySelector('#display .item.focused .item-label')
+      ?.textContent === wanted || document.querySelector('#display .item .focused')
+      ?.closest('.item')?.querySelector('.choice-label')?.textContent === wanted, label, { timeout: WAIT_MS });
+  }
+
+  test('radio buttons, check boxes, the popup choice, a slider and a button, each used and sent', async () => {
+    await waitForDisplay(page, 'Pick colours');
+    for (let i = 0; i < 5; i += 1) {
+      await page.keyboard.press('ArrowDown');
+    }
+    await focusMenuEntry('Order lunch');
+    await page.keyboard.press('Enter');
+    await waitForDisplay(page, 'Lunch order');
+    assert.deepEqual(await page.locator('#display .ticker').allInnerTexts(), ['Lunch is served from 12:00 to 14:00']);
+    const marks = () => page.locator('#display .choice .mark').allInnerTexts();
+    assert.deepEqual(await marks(), ['○', '◉', '○', '☑', '☐']);
+
+    // Down walks the options field, the string item and each row of the groups.
+    for (const key of ['ArrowDown', 'ArrowDown', 'ArrowDown', 'ArrowDown', 'Enter', 'ArrowDown', 'Enter']) {
+      await page.keyboard.press(key);
+    }
+    await page.waitForFunction(() => Array.from(document.querySelectorAll('#display .choice .mark'),
+      (mark) => mark.textContent).join('') === '○○◉☐☐', null, { timeout: WAIT_MS });
+    await page.keyboard.press('ArrowDown');
+    await page.keyboard.press('ArrowDown');
+    await focusItem('Drink');
+    await page.keyboard.press('Enter');
+    const popup = page.locator('#display .selection-popup');
+    await popup.waitFor({ timeout: WAIT_MS });
+    assert.deepEqual(await popup.locator('.entry').allInnerTexts(), ['Water', 'Tea', 'Juice']);
+    await shot(page, '14-lunch-popup');
+    await page.keyboard.press('ArrowDown');
+    await page.keyboard.press('Enter');
+    await popup.waitFor({ state: 'detached', timeout: WAIT_MS });
+    assert.match(await page.locator('#display .item.focused').innerText(), /Juice/);
+
+    await page.keyboard.press('ArrowDown');
+    await focusItem('Portions');
+    await page.keyboard.press('ArrowRight');
+    await page.locator('#display .item.focused .slider-value', { hasText: '2' }).waitFor({ timeout: WAIT_MS });
+    await page.locator('#display .item-value.automatic').waitFor();
+    await shot(page, '15-lunch');
+    await page.keyboard.press('ArrowDown');
+    await page.keyboard.press('ArrowDown');
+    await page.locator('#display .item.focused .item-value.button').waitFor({ timeout: WAIT_MS });
+    await page.keyboard.press('Enter');
+    await waitForDisplay(page, 'order = same-as-yesterday');
+    assert.doesNotMatch(await displayText(page), /main =/, 'the button sends only its own pair');
+
+    await page.keyboard.press('Escape');
+    await waitForDisplay(page, 'Lunch order');
+    await page.keyboard.press('F1');
+    await waitForDisplay(page, 'main = salad');
+    const text = await displayText(page);
+    assert.match(text, /extra = not_bread/);
+    assert.match(text, /drink = juice/);
+    assert.match(text, /portions = 2/);
+  });
+
+  test('the player shows its progress and its keys send their words', async () => {
+    await page.keyboard.press('Escape');
+    await waitForDisplay(page, 'Lunch order');
+    await page.keyboard.press('Escape');
+    await focusMenuEntry('Order lunch');
+    await page.keyboard.press('ArrowDown');
+    await focusMenuEntry('Play a voice');
+    await page.keyboard.press('Enter');
+    const player = page.locator('#display .popup-player');
+    await player.waitFor({ timeout: WAIT_MS });
+    assert.match(await player.locator('.player-state').innerText(), /playing/i);
+    await page.waitForFunction(() => Number(document.querySelector('#display .popup-player .slider-value')
+      ?.textContent) >= 2, null, { timeout: WAIT_MS });
+    await shot(page, '16-player');
+    await press(page, 'ok');
+    await page.locator('#requests .url', { hasText: 'action=pause' }).waitFor({ timeout: WAIT_MS });
+    await waitForDisplay(page, 'action = pause');
+  });
+});
+
+// A table as the phone draws it (the shape the display's snapshot gives a table of contacts).
+const cells = (...texts) => [texts.map((text) => ({ text, grey: false, images: [] }))];
+const TABLE = {
+  revision: 1, shown: true, keypad: { sending: true }, popup: null, softKeys: [],
+  model: { name: 'desk phone', softKeyBar: false, softKeys: 0, width: 320, height: 240, visibleLines: 6 },
+  tabBar: null,
+  screen: {
+    kind: 'table', ownerId: 5, commands: [], highlight: true, menu: null, focus: 2, reserveArrow: true,
+    header: { lines: cells('Name', 'Phone'), widths: [70, 30] },
+    rows: [
+      { lines: cells('ann', '3101'), widths: [70, 30], arrow: false, focused: false, ownerId: 6 },
+      { lines: cells('bob', '3102'), widths: [70, 30], arrow: false, focused: false, ownerId: 7 },
+      { lines: [...cells('cy', '3103'), [{ text: 'away', grey: true, images: [] }, { text: '', grey: false, images: [] }]],
+        widths: [70, 30], arrow: false, focused: true, ownerId: 8 },
+      { lines: cells('dan', '3104'), widths: [70, 30], arrow: true, focused: false, ownerId: 9 },
+    ],
+  },
+};
+
+test('a table is drawn in columns under its header, with its focused row, grey line and menu arrow', async () => {
+  const page = await openPage(small);
+  await page.locator('#display[data-revision]').waitFor({ timeout: WAIT_MS });
+  const drawn = await page.evaluate(async (snapshot) => {
+    const { renderDisplay } = await import('./display.js');
+    const display = document.createElement('div');
+    display.className = 'display';
+    display.style.setProperty('--scale', '1');
+    document.body.prepend(display);
+    renderDisplay(display, snapshot);
+    const text = (selector) => Array.from(display.querySelectorAll(selector), (node) => node.innerText.trim());
+    const left = (selector) => Array.from(display.querySelectorAll(selector), (node) =>
+      Math.round(node.querySelectorAll('.cell')[1].getBoundingClientRect().left));
+    return {
+      header: text('.table-header .cell'), focused: text('.table-row.focused'), grey: text('.cell.grey'),
+      arrows: display.querySelectorAll('.table-row .arrow').length,
+      secondColumn: [...left('.table-header .table-line'), ...left('.table-row .table-line:first-child')],
+    };
+  }, TABLE);
+  assert.deepEqual(drawn.header, ['Name', 'Phone']);
+  assert.match(drawn.focused[0], /cy[\s\S]*3103[\s\S]*away/);
+  assert.deepEqual(drawn.grey, ['away']);
+  assert.equal(drawn.arrows, 1);
+  assert.equal(new Set(drawn.secondColumn).size, 1, `the second column starts at one place: ${drawn.secondColumn}`);
+  await page.locator('body > .display').screenshot({ path: path.join(SCREENSHOTS, '17-table.png') });
+  await page.close();
+});
+
+test('the date and time formats chosen on the page reach the phone and come back in its state', async () => {
+  const page = await openPage(small);
+  await page.locator('#date-format option').first().waitFor({ state: 'attached', timeout: WAIT_MS });
+  await page.waitForFunction(() => document.getElementById('time-format').value === '24HR', null, { timeout: WAIT_MS });
+  await page.selectOption('#time-format', '12HR');
+  await page.selectOption('#date-format', 'MM/DD/YYYY');
+  const state = await page.waitForFunction(async () => {
+    const now = await (await fetch('api/state')).json();
+    return now.timeFormat === '12HR' && now.dateFormat === 'MM/DD/YYYY' && now;
+  }, null, { timeout: WAIT_MS, polling: 100 });
+  assert.equal((await state.jsonValue()).timeFormat, '12HR');
+  await page.selectOption('#time-format', '24HR');
+  await page.selectOption('#date-format', 'DD.MM.YYYY');
+  await page.waitForFunction(async () => (await (await fetch('api/state')).json()).timeFormat === '24HR', null,
+    { timeout: WAIT_MS, polling: 100 });
+  assert.deepEqual(page.problems, []);
+  await page.close();
+});
+
+test('the phone around the application: the LED, a tone, typed digits and the call screen', async () => {
+  const page = await openPage(large);
+  // The page counts the tones from its first state on; the push must not come before it.
+  await page.waitForFunction(() => document.title.endsWith(' — agp-phone'), null, { timeout: WAIT_MS });
+  // The demo's own server is the one the start request went to.
+  const requests = await (await fetch(`${large.pageUrl}api/requests?after=0`)).json();
+  const demoPort = new URL(requests[0].url).port;
+  const pushed = await fetch(`${large.pageUrl}api/push`, {
+    method: 'POST',
+    headers: { 'Content-Type': 'application/json' },
+    body: JSON.stringify({ data: `ServerAddr=127.0.0.1&ServerPort=${demoPort}&ProgramName=demo/phone.xml`,
+      type: 'active' }),
+  });
+  assert.equal(pushed.status, 200);
+  await waitForDisplay(page, '0301234');
+  await page.locator('#led.on').waitFor({ timeout: WAIT_MS });
+  await page.locator('#tab-phone').click();
+  await page.locator('#tones li', { hasText: 'short tone' }).waitFor({ timeout: WAIT_MS });
+
+  for (const key of ['5', '5', '#']) {
+    await press(page, key);
+  }
+  await waitForDisplay(page, 'digits = 55#');
+  await press(page, 'back');
+  await waitForDisplay(page, '0301234');
+
+  await page.locator('#ring-number').fill('0309999');
+  await page.locator('#ring-form button[type="submit"]').click();
+  await page.locator('#call-screen', { hasText: '0309999' }).waitFor({ timeout: WAIT_MS });
+  await shot(page, '18-call-screen');
+  await page.locator('#calls .call.ringing button', { hasText: 'Answer' }).click();
+  await page.locator('#calls .call.connected button', { hasText: 'Hang up' }).click();
+  await page.locator('#call-screen').waitFor({ state: 'hidden', timeout: WAIT_MS });
+  await waitForDisplay(page, '0301234');
+  assert.deepEqual(page.problems, []);
   await page.close();
 });
