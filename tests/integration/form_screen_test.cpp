@@ -226,6 +226,35 @@ TEST_P(FormScreen, SelectionItemMenuSendsItsCommandWithTheFields) {
     EXPECT_TRUE(shot["popup"].is_null()) << shot.dump();
 }
 
+TEST_P(FormScreen, OkOnASelectionItemRunsItsDefaultCommandAndWithoutOneOpensTheMenu) {
+    start(
+        "<IppForm ItemCount=\"2\"><Url>" + url() + "</Url>" + "<IppItem CommandCount=\"2\">" +
+            field("city", "City", " Default=\"TEXT\"", "<Text>Oslo</Text>") +
+            command("SELECT", "Other", " DisplayOn=\"LISTITEM\" Key=\"k\" Value=\"other\"") +
+            command("SELECT", "Usual", " DisplayOn=\"LISTITEM\" Default=\"YES\" Key=\"k\" Value=\"usual\"") +
+            "</IppItem><IppItem CommandCount=\"1\">" +
+            field("town", "Town", " Default=\"TEXT\"", "<Text>Rome</Text>") +
+            command("SELECT", "Go", " DisplayOn=\"LISTITEM\" Key=\"t\" Value=\"go\"") +
+            "</IppItem></IppForm>",
+        command("SELECT", "Send", " Key=\"o\" Value=\"opt\""), 1);
+    // The options field still answers OK with its chosen command.
+    mPhone->display().pressKey(Key::Ok);
+    ASSERT_TRUE(mServer.waitForRequests(2));
+    EXPECT_EQ(lastRequest(), "/app/sent?city=Oslo&o=opt&town=Rome");
+
+    press(Key::Down, focusIs(1));
+    mPhone->display().pressKey(Key::Ok);
+    ASSERT_TRUE(mServer.waitForRequests(3)) << "the default command fires at once";
+    EXPECT_EQ(lastRequest(), "/app/sent?city=Oslo&k=usual&town=Rome");
+    EXPECT_FALSE(popupIs(mPhone->display().snapshot(), "contextMenu"));
+
+    press(Key::Down, focusIs(2));
+    json shot = press(Key::Ok, [](const json& s) { return popupIs(s, "contextMenu"); });
+    ASSERT_TRUE(popupIs(shot, "contextMenu")) << "no default command: OK opens the menu " << shot.dump();
+    EXPECT_EQ(shot["popup"]["entries"], json({"Go"}));
+    EXPECT_EQ(mServer.requests().size(), 3u);
+}
+
 INSTANTIATE_TEST_SUITE_P(BothModels, FormScreen, ::testing::Bool(),
                          [](const ::testing::TestParamInfo<bool>& info) {
                              return info.param ? std::string("SoftKeys") : std::string("NoSoftKeys");

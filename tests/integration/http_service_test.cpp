@@ -65,7 +65,7 @@ public:
         redirect(server, "/r/b", "/r/c", "b");
         server.Get("/r/c", [this](const httplib::Request&, httplib::Response& res) {
             res.status = 302;
-            res.set_header("Location", base + "/r/d#part");
+            res.set_header("Location", baseUrl() + "/r/d#part");
             res.set_header("X-Hop", "c");
         });
         server.Get("/r/d", [](const httplib::Request&, httplib::Response& res) {
@@ -126,9 +126,20 @@ public:
         mChanged.wait(lock, [this] { return mStreaming; });
     }
 
-    std::string base; // "http://127.0.0.1:port"
+    // "http://127.0.0.1:port", set once the server listens; handlers read it on server threads.
+    void setBase(const std::string& url) {
+        std::lock_guard<std::mutex> lock(mBaseMutex);
+        mBase = url;
+    }
+    std::string baseUrl() const {
+        std::lock_guard<std::mutex> lock(mBaseMutex);
+        return mBase;
+    }
 
 private:
+    mutable std::mutex mBaseMutex;
+    std::string mBase;
+
     static void redirect(httplib::Server& server, const std::string& path, const std::string& location,
                          const std::string& hop) {
         server.Get(path, [location, hop](const httplib::Request&, httplib::Response& res) {
@@ -204,7 +215,7 @@ protected:
         mRoutes.install(mServer);
         mRunner = std::make_unique<ServerRunner>(mServer);
         ASSERT_GT(mRunner->port(), 0);
-        mRoutes.base = "http://127.0.0.1:" + std::to_string(mRunner->port());
+        mRoutes.setBase("http://127.0.0.1:" + std::to_string(mRunner->port()));
     }
     void TearDown() override {
         mRoutes.releaseWaiters();
@@ -213,7 +224,7 @@ protected:
         removeTree(mDir);
     }
 
-    std::string url(const std::string& path) const { return mRoutes.base + path; }
+    std::string url(const std::string& path) const { return mRoutes.baseUrl() + path; }
     Call get(const std::string& path, int handle = -1) {
         Call call;
         call.url = url(path);

@@ -35,7 +35,7 @@ for _ in $(seq 100); do
 done
 case $text in *"Installed demo"*) ;; *) echo "the demo is not the installed one:"; echo "$text"; exit 1 ;; esac
 
-curl -sf -X POST "${page}api/quit" -d '{}' >/dev/null
+curl -sf -X POST -H 'Content-Type: application/json' "${page}api/quit" -d '{}' >/dev/null
 wait $phone
 trap - EXIT
 echo "installed agp-phone ran its installed plug-in, demo and web page"

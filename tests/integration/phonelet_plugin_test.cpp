@@ -102,6 +102,24 @@ TEST_F(PhoneletPlugin, TabModeStartsEveryTabWithItsName) {
     EXPECT_NE(screenText().find("News"), std::string::npos) << "the tab bar shows the configured label";
 }
 
+TEST_F(PhoneletPlugin, PushesWaitingForTheStartUpAreBounded) {
+    LogCapture log(2);
+    mServer.setDocument("");
+    configure();
+    load();
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1&ProgramName=early", uniqueApplicationName(), 1), 1) << i;
+    }
+    EXPECT_EQ(mPhone.push("ServerAddr=127.0.0.1&ProgramName=one-too-many", uniqueApplicationName(), 1), 0);
+    EXPECT_TRUE(log.contains("AGPPhonelet", 2, "push: 20 pushes already wait for the start-up; refused"));
+    mPhone.start();
+    ASSERT_TRUE(mServer.waitForRequests(1));
+    mPhone.stop();
+    for (const std::string& request : mServer.requests()) {
+        EXPECT_EQ(request.find("one-too-many"), std::string::npos);
+    }
+}
+
 TEST_F(PhoneletPlugin, PushesAreCheckedAndQueued) {
     LogCapture log(5);
     // An empty reply installs nothing; a refused document would bring up the error document,
@@ -195,6 +213,10 @@ TEST_F(PhoneletPlugin, OddTabCountsAndProgramNamesRequestNothing) {
         const std::string queues = std::string(numTabs) == "5" ? "6" : "1";
         EXPECT_TRUE(log.contains("AGPMessageQueueHandler", 5, "Creating " + queues + " messageQueues"))
             << numTabs;
+        EXPECT_TRUE(log.contains("AGPPhonelet", 2,
+                                 "No start-up request: num-tabs is \"" + std::string(numTabs) +
+                                     "\"; \"0\" is one screen without tabs, 1 to 3 are tabs"))
+            << "the phone says why it waits: " << numTabs;
         phone.stop();
     }
     configure({{"program-name-1", ""}});

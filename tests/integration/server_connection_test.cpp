@@ -1,6 +1,8 @@
 // The configuration record, the server connection and remote trace against loopback servers.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
+#include <zlib.h>
 
 #include <ctime>
 #include <fstream>
@@ -23,6 +25,31 @@
 namespace {
 
 const size_t kBigBody = 50u * 1024 * 1024;
+const size_t kLimit = 64 * 1024;
+
+// `size` bytes of 'x', gzip-compressed.
+std::string gzipOf(size_t size) {
+    z_stream stream{};
+    deflateInit2(&stream, Z_BEST_SPEED, Z_DEFLATED, 15 + 16, 8, Z_DEFAULT_STRATEGY);
+    const std::string input(1024 * 1024, 'x');
+    std::string output;
+    char buffer[65536];
+    size_t left = size;
+    do {
+        const size_t part = std::min(left, input.size());
+        left -= part;
+        stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(input.data()));
+        stream.avail_in = static_cast<uInt>(part);
+        do {
+            stream.next_out = reinterpret_cast<Bytef*>(buffer);
+            stream.avail_out = sizeof buffer;
+            deflate(&stream, left == 0 ? Z_FINISH : Z_NO_FLUSH);
+            output.append(buffer, sizeof buffer - stream.avail_out);
+        } while (stream.avail_out == 0);
+    } while (left > 0);
+    deflateEnd(&stream);
+    return output;
+}
 
 char bigBodyByte(size_t offset) {
     return static_cast<char>(offset % 251);
@@ -60,6 +87,27 @@ protected:
                                               }
                                               return sink.write(chunk.data(), chunk.size());
                                           });
+        });
+        // N bytes of 'x': with a Content-Length, in chunks without one, or gzip-compressed.
+        mServer.Get(R"(/plain/(\d+))", [](const httplib::Request& request, httplib::Response& response) {
+            response.set_content(std::string(std::stoul(request.matches[1]), 'x'),
+                                 "application/octet-stream");
+        });
+        mServer.Get(R"(/chunked/(\d+))", [](const httplib::Request& request, httplib::Response& response) {
+            auto body = std::make_shared<std::string>(std::stoul(request.matches[1]), 'x');
+            response.set_chunked_content_provider(
+                "application/octet-stream", [body](size_t offset, httplib::DataSink& sink) {
+                    if (offset >= body->size()) {
+                        sink.done();
+                        return true;
+                    }
+                    const size_t part = std::min<size_t>(body->size() - offset, 4096);
+                    return sink.write(body->data() + offset, part);
+                });
+        });
+        mServer.Get(R"(/gzip/(\d+))", [](const httplib::Request& request, httplib::Response& response) {
+            response.set_header("Content-Encoding", "gzip");
+            response.set_content(gzipOf(std::stoul(request.matches[1])), "application/octet-stream");
         });
         mServer.Get(R"(/status/(\d+))", [](const httplib::Request& request, httplib::Response& response) {
             response.status = std::stoi(request.matches[1]);
@@ -167,9 +215,14 @@ TEST_F(ServerConnection, FindsTheApplicationAndDerivesItsSettings) {
                              "processChangedManageableData: Unsupported rootId = server-addr-1"));
 }
 
-TEST_F(ServerConnection, FetchesDocumentsWhateverTheirSize) {
+TEST_F(ServerConnection, DocumentsAreBoundedAsTheyArriveAndAfterDecompression) {
     AGPServerConnection* server = connection();
-    EXPECT_EQ(server->getDownloadFile(), "/tmp/AGPApp-" + mAppName);
+    EXPECT_EQ(server->getDownloadFile(), "/tmp/AGPApp-" + mAppName + "-" + std::to_string(::getpid()));
+    EXPECT_EQ(AGPServerConnection::downloadFileFor("a/b c"),
+              "/tmp/AGPApp-a%2Fb%20c-" + std::to_string(::getpid()));
+    EXPECT_EQ(AGPServerConnection::downloadFileFor(std::string(300, 'x')).size(),
+              std::string("/tmp/AGPApp-").size() + 200 + 1 + std::to_string(::getpid()).size())
+        << "a long name is cut to fit a file name";
     char* data = nullptr;
     unsigned int size = 0;
     HttpServiceHeaders headers;
@@ -179,6 +232,30 @@ TEST_F(ServerConnection, FetchesDocumentsWhateverTheirSize) {
     EXPECT_EQ(std::string(data, size), "<Text>hello</Text>");
     EXPECT_EQ(error, "");
 
+    // Exactly the limit passes; one byte more fails, whether the length is announced, streamed in
+    // chunks, or only known once a small compressed body has been inflated.
+    mHttp.setMaxDocumentSize(kLimit);
+    const std::string tooLarge = "Document larger than the limit of " + std::to_string(kLimit) + " bytes";
+    for (const std::string kind : {"plain", "chunked", "gzip"}) {
+        const std::string fits = url("/" + kind + "/" + std::to_string(kLimit));
+        ASSERT_EQ(server->getHttpData(fits, AGPServerConnection::XML_DOCUMENT, data, size, headers, error), 1)
+            << kind << ": " << error;
+        EXPECT_EQ(size, kLimit) << kind;
+        EXPECT_EQ(std::string(data, size), std::string(kLimit, 'x')) << kind;
+        const std::string over = url("/" + kind + "/" + std::to_string(kLimit + 1));
+        EXPECT_EQ(failure(over), tooLarge + "\nRequested URI: " + over);
+    }
+    // A gzip body of some 60 KB that inflates to 64 MiB stops at the default limit, and the download
+    // file never grows beyond it.
+    mHttp.setMaxDocumentSize(HttpServiceIfc::kDefaultMaxDocumentSize);
+    const std::string bomb = url("/gzip/67108864");
+    EXPECT_EQ(failure(bomb), "Document larger than the limit of 4194304 bytes\nRequested URI: " + bomb);
+    struct stat info {};
+    ASSERT_EQ(::stat(server->getDownloadFile().c_str(), &info), 0);
+    EXPECT_LE(static_cast<std::uint64_t>(info.st_size), HttpServiceIfc::kDefaultMaxDocumentSize);
+
+    // A limit raised by the platform lets large bodies through whole.
+    mHttp.setMaxDocumentSize(2 * kBigBody);
     ASSERT_EQ(server->getHttpData(url("/big"), AGPServerConnection::IMAGE, data, size, headers, error), 1);
     ASSERT_EQ(size, kBigBody);
     for (size_t offset : {size_t{0}, size_t{65535}, size_t{65536}, kBigBody / 2 + 7, kBigBody - 1}) {
@@ -195,6 +272,19 @@ TEST_F(ServerConnection, HttpStatusesAndRedirectionsBecomeErrorTexts) {
               "Invalid redirection detected\nRequested URI: " + url("/badlocation"));
     EXPECT_EQ(failure(url("/loop/a")), "Redirection loop detected\nRequested URI: " + url("/loop/b") +
                                            "\nOriginal URI: " + url("/loop/a"));
+
+    // A URL that a long text field has grown is sent up to the longest URL, and not at all beyond.
+    const std::string longest =
+        url("/doc?") + std::string(AGPServerConnection::kMaxUrlLength - url("/doc?").size(), 'q');
+    char* data = nullptr;
+    unsigned int size = 0;
+    HttpServiceHeaders headers;
+    std::string error;
+    EXPECT_EQ(
+        connection()->getHttpData(longest, AGPServerConnection::XML_DOCUMENT, data, size, headers, error), 1);
+    delete[] data;
+    const std::string tooLong = longest + "q";
+    EXPECT_EQ(failure(tooLong), "URI parser failed\nRequested URI: " + tooLong.substr(0, 1024) + "...");
 
     const std::string longUrl = url("/" + std::string(1500, 'a'));
     const std::string text = failure(longUrl);
@@ -226,7 +316,7 @@ TEST_F(ServerConnection, NetworkFaultsBecomeErrorTexts) {
     // A link planted at the download file's path is not followed: a local fault, the target untouched.
     const std::string dir = makeTempDir();
     std::ofstream(dir + "/target") << "keep";
-    const std::string path = "/tmp/AGPApp-" + mAppName;
+    const std::string path = AGPServerConnection::downloadFileFor(mAppName);
     std::remove(path.c_str());
     ASSERT_EQ(::symlink((dir + "/target").c_str(), path.c_str()), 0);
     EXPECT_EQ(failure(url("/doc")), "Unknown network error occurred\nRequested URI: " + url("/doc"));

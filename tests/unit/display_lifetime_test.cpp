@@ -1,9 +1,11 @@
 // Tests of the widget library's lifetimes, timers, tab screens, keypad and threads.
 #include <atomic>
+#include <chrono>
 #include <future>
 #include <thread>
 
 #include "DisplayTestKit.h"
+#include "TestPictures.h"
 #include "display/Form.h"
 #include "display/Image.h"
 #include "display/List.h"
@@ -39,8 +41,6 @@ private:
     bool mOpened = false;
 };
 
-const unsigned char gifBytes[] = {'G', 'I', 'F', '8', '9', 'a', 4, 0, 2, 0};
-
 } // namespace
 
 TEST_F(DisplayTest, DeletingCommandsTickersAndPicturesDetachesThemEverywhere) {
@@ -53,7 +53,8 @@ TEST_F(DisplayTest, DeletingCommandsTickersAndPicturesDetachesThemEverywhere) {
     auto ticker = std::make_unique<Ticker>("");
     ticker->setText("News");
     list.setTicker(ticker.get());
-    auto picture = std::make_unique<Image>(reinterpret_cast<const char*>(gifBytes), int(sizeof gifBytes));
+    const std::string pictureBytes = TestPictures::png(4, 2);
+    auto picture = std::make_unique<Image>(pictureBytes.data(), int(pictureBytes.size()));
     auto* row = new ListItem();
     row->setText("With picture");
     row->setImage(picture.get());
@@ -63,7 +64,7 @@ TEST_F(DisplayTest, DeletingCommandsTickersAndPicturesDetachesThemEverywhere) {
     auto shot = snap();
     EXPECT_EQ(shot["softKeys"][0], "Select");
     EXPECT_EQ(shot["screen"]["ticker"], "News");
-    EXPECT_EQ(shot["screen"]["rows"][0]["image"]["kind"], "gif");
+    EXPECT_EQ(shot["screen"]["rows"][0]["image"]["kind"], "png");
 
     EXPECT_TRUE(Command::exists(select.get()));
     Command* dead = select.get();
@@ -314,4 +315,53 @@ TEST_F(DisplayTest, WidgetsAreBuiltChangedAndDeletedFromSeveralThreadsWhileTheHo
         EXPECT_TRUE(call.onLoopThread);
     }
     EXPECT_EQ(tabs.getDisplayableForTabAtIndex(0), nullptr) << "the forms of both threads are gone";
+}
+
+namespace {
+
+// Stops inside commandAction until released, then reads everything it was given.
+class BlockingListener : public CommandListener {
+public:
+    void commandAction(Command* command, Displayable* displayable) override {
+        mEntered.set_value();
+        mRelease.get_future().wait();
+        mLabel = command->getBasicText();
+        mOwner = displayable->getOwnerId();
+        mReturned = true;
+    }
+    std::promise<void> mEntered;
+    std::promise<void> mRelease;
+    std::string mLabel;
+    unsigned long mOwner = 0;
+    std::atomic<bool> mReturned{false};
+};
+
+} // namespace
+
+TEST_F(DisplayTest, DeletingAWidgetOrCommandWaitsForTheListenerThatIsToldAboutIt) {
+    BlockingListener listener;
+    auto* form = new Form();
+    form->setOwnerId(42);
+    auto* ok = new Command("Go", Command::OK);
+    form->addCommand(ok);
+    form->addCommandListener(&listener);
+    display->setCurrent(form);
+    display->pressKey(Key::SoftKey1);
+    listener.mEntered.get_future().wait();
+
+    // Another thread deletes both while the listener holds them; it must wait for the listener.
+    std::atomic<bool> deleted{false};
+    std::thread deleter([&] {
+        delete ok;
+        delete form;
+        deleted = true;
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(50)); // give a wrong delete its chance
+    EXPECT_FALSE(deleted) << "the delete went ahead while the listener ran";
+    listener.mRelease.set_value();
+    deleter.join();
+    EXPECT_TRUE(listener.mReturned);
+    EXPECT_EQ(listener.mLabel, "Go");
+    EXPECT_EQ(listener.mOwner, 42U);
+    EXPECT_EQ(display->getCurrent(), nullptr);
 }

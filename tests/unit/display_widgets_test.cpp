@@ -1,8 +1,13 @@
 // Tests of the widget library driven through keys: focus, editing, choices, soft keys, menus, popups.
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
 #include <list>
 #include <memory>
 
 #include "DisplayTestKit.h"
+#include "TestPictures.h"
 #include "display/Alert.h"
 #include "display/ChoiceGroup.h"
 #include "display/ContextMenu.h"
@@ -424,39 +429,81 @@ TEST_F(DisplayTest, ListKindsTablesAndPlayersHandleTheirKeys) {
     EXPECT_EQ(calls[4].type, Command::CANCEL);
 }
 
-TEST(DisplayImage, FormatAndSizeComeFromTheHeader) {
-    const unsigned char png[] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n', 0, 0, 0, 13,
-                                 'I',  'H', 'D', 'R', 0,    0,    1,    2,    0, 0, 0, 3};
-    const char gif[] = "GIF89a\x10\x00\x20\x00";
-    unsigned char bmp[26] = {'B', 'M'};
-    bmp[18] = 40;
-    bmp[22] = 0xF6; // -10: a top-down bitmap
-    bmp[23] = bmp[24] = bmp[25] = 0xFF;
-    const unsigned char jpeg[] = {0xFF, 0xD8, 0xFF, 0xE0, 0, 4, 0, 0, 0xFF, 0xC0, 0, 11, 8, 0, 48, 0, 64};
+TEST(DisplayImage, RealPicturesDecodeAndEverythingElseIsBrokenWithAReason) {
+    auto make = [](const std::string& bytes) {
+        return DisplayAPI::Image(bytes.data(), static_cast<int>(bytes.size()));
+    };
+    const DisplayAPI::Image png = make(TestPictures::png(258, 3));
+    EXPECT_EQ(png.getKind(), "png");
+    EXPECT_EQ(png.getWidth(), 258);
+    EXPECT_EQ(png.getHeight(), 3);
+    const DisplayAPI::Image jpeg = make(TestPictures::jpeg(64, 48));
+    EXPECT_EQ(jpeg.getKind(), "jpeg");
+    EXPECT_EQ(jpeg.getWidth(), 64);
+    EXPECT_EQ(jpeg.getHeight(), 48);
+    EXPECT_EQ(make(TestPictures::bmp(10, 7)).getKind(), "bmp");
+    EXPECT_EQ(make(TestPictures::bmp(10, 7)).getHeight(), 7);
+    EXPECT_EQ(make(TestPictures::gif()).getKind(), "gif");
 
-    DisplayAPI::Image pngImage(reinterpret_cast<const char*>(png), sizeof png);
-    EXPECT_EQ(pngImage.getKind(), "png");
-    EXPECT_EQ(pngImage.getWidth(), 258);
-    EXPECT_EQ(pngImage.getHeight(), 3);
-    DisplayAPI::Image gifImage(gif, 10);
-    EXPECT_EQ(gifImage.getKind(), "gif");
-    EXPECT_EQ(gifImage.getWidth(), 16);
-    EXPECT_EQ(gifImage.getHeight(), 32);
-    DisplayAPI::Image bmpImage(reinterpret_cast<const char*>(bmp), sizeof bmp);
-    EXPECT_EQ(bmpImage.getKind(), "bmp");
-    EXPECT_EQ(bmpImage.getHeight(), 10);
-    DisplayAPI::Image jpegImage(reinterpret_cast<const char*>(jpeg), sizeof jpeg);
-    EXPECT_EQ(jpegImage.getKind(), "jpeg");
-    EXPECT_EQ(jpegImage.getWidth(), 64);
-    EXPECT_EQ(jpegImage.getHeight(), 48);
-
-    EXPECT_TRUE(DisplayAPI::Image(reinterpret_cast<const char*>(png), 20).isBroken()) << "truncated header";
+    const std::string whole = TestPictures::png(40, 40);
+    const DisplayAPI::Image truncated = make(whole.substr(0, whole.size() / 2));
+    EXPECT_TRUE(truncated.isBroken()) << "a header alone is no picture";
+    EXPECT_NE(truncated.data()->problem.find("does not decode"), std::string::npos)
+        << truncated.data()->problem;
+    // Headers claiming more pixels than the bound are refused before any pixel memory is taken.
+    EXPECT_TRUE(make(TestPictures::pngClaiming(30000, 30000)).isBroken());
+    const DisplayAPI::Image huge = make(TestPictures::pngClaiming(5000, 3000));
+    EXPECT_TRUE(huge.isBroken());
+    EXPECT_EQ(huge.data()->problem, "a picture of 5000x3000 pixels is too large");
     EXPECT_TRUE(DisplayAPI::Image("text, not a picture", 19).isBroken());
     EXPECT_TRUE(DisplayAPI::Image(nullptr, 5).isBroken());
-    EXPECT_TRUE(DisplayAPI::Image(reinterpret_cast<const char*>(jpeg), 12).isBroken());
     EXPECT_TRUE(DisplayAPI::Image(std::string()).isBroken());
-    EXPECT_TRUE(DisplayAPI::Image(std::string("/no/such/picture.png")).isBroken());
-    EXPECT_EQ(DisplayAPI::Image(std::string(":/images/Skin1_CS/05_Icons/home.png")).getKind(), "resource");
+
+    // A picture is found by its id while something holds it, and not after.
+    unsigned long id = 0;
+    {
+        const DisplayAPI::Image held = make(TestPictures::gif());
+        id = held.data()->id;
+        ASSERT_NE(DisplayAPI::Image::find(id), nullptr);
+        EXPECT_EQ(DisplayAPI::describeImage(held.data())["url"], "/api/pictures/" + std::to_string(id));
+    }
+    EXPECT_EQ(DisplayAPI::Image::find(id), nullptr);
+}
+
+// Files come only from inside the phone's folders: no way out by "..", links, devices or folders.
+TEST(DisplayImage, FilesAreRegularFilesInsideThePhonesFolders) {
+    namespace fs = std::filesystem;
+    const fs::path root = fs::temp_directory_path() / ("agp-pictures-" + std::to_string(::getpid()));
+    fs::create_directories(root / "files" / "sub");
+    fs::create_directories(root / "skin" / "05_Icons");
+    auto write = [](const fs::path& path, const std::string& bytes) {
+        std::ofstream(path, std::ios::binary) << bytes;
+    };
+    write(root / "files" / "sub" / "logo.png", TestPictures::png(12, 8));
+    write(root / "skin" / "05_Icons" / "05_Phone.png", TestPictures::png(24, 24));
+    write(root / "secret.png", TestPictures::png(5, 5));
+    write(root / "files" / "big.bmp", TestPictures::bmp(500, 500));
+    fs::create_symlink(root / "secret.png", root / "files" / "link.png");
+    fs::create_symlink("/dev/zero", root / "files" / "zero.png");
+    DisplayAPI::Image::setFolders((root / "files").string(), (root / "skin").string());
+
+    const DisplayAPI::Image logo(std::string("/sub/logo.png"));
+    EXPECT_EQ(logo.getKind(), "png");
+    EXPECT_EQ(logo.getWidth(), 12);
+    EXPECT_EQ(DisplayAPI::Image(std::string("sub/logo.png")).getHeight(), 8);
+    EXPECT_EQ(DisplayAPI::Image(std::string(":/images/Skin1_CS/05_Icons/05_Phone.png")).getWidth(), 24);
+    EXPECT_EQ(DisplayAPI::Image(std::string(":/images/Skin2_WG/05_Icons/05_Phone.png")).getWidth(), 24)
+        << "every skin shares the one icon set";
+    for (const char* bad :
+         {"../secret.png", "link.png", "zero.png", "/../../../../dev/zero", "sub", "none.png", "big.bmp",
+          ":/images/Skin1_CS/05_Icons/none.png", ":/images/Skin1_CS/../../secret.png", ":/images/nothing"}) {
+        const DisplayAPI::Image image{std::string(bad)};
+        EXPECT_TRUE(image.isBroken()) << bad;
+        EXPECT_FALSE(image.data()->problem.empty()) << bad;
+    }
+    DisplayAPI::Image::setFolders("", "");
+    EXPECT_TRUE(DisplayAPI::Image(std::string("/sub/logo.png")).isBroken()) << "a phone without files folder";
+    fs::remove_all(root);
 }
 
 namespace {

@@ -1,6 +1,7 @@
 // Tests of the element base, the type table, the registry, the factory, the pool and the value elements.
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <memory>
 
 #include "AGPCommonBase.h"
@@ -79,6 +80,25 @@ TEST_F(DocumentModel, RegistryHandsOutIdsAndCountsTypes) {
     delete second;
     delete third;
     EXPECT_EQ(registry().getTypeCount("ti_Title"), 0) << "counts may fall to zero and stay";
+    EXPECT_EQ(registry().size(), 0u);
+}
+
+TEST_F(DocumentModel, RegistryCounterGoesRoundOntoFreeIdentifiers) {
+    auto* one = new AGPTitle();
+    auto* two = new AGPTitle();
+    auto* three = new AGPTitle();
+    delete two;
+    registry().setNextIdForTesting(std::numeric_limits<AGPId>::max());
+    auto* last = new AGPTitle();
+    EXPECT_EQ(last->getAGPObjectID(), std::numeric_limits<AGPId>::max());
+    auto* wrapped = new AGPTitle();
+    EXPECT_EQ(wrapped->getAGPObjectID(), 2u) << "1 still lives, 0 is never handed out";
+    auto* next = new AGPTitle();
+    EXPECT_EQ(next->getAGPObjectID(), 4u) << "past 3, which also still lives";
+    EXPECT_EQ(registry().getAGPObject(2), wrapped);
+    for (AGPTitle* title : {one, three, last, wrapped, next}) {
+        delete title;
+    }
     EXPECT_EQ(registry().size(), 0u);
 }
 

@@ -15,6 +15,7 @@
 #include "text/Translator.h"
 #include "threads/CriticalSection.h"
 #include "threads/Semaphore.h"
+#include "threads/ThreadActivity.h"
 #include "threads/Threader.h"
 #include "uri/GPALAdmin.h"
 #include "util/ClientUtils.h"
@@ -208,4 +209,74 @@ TEST(EventLoop, RunsTasksInOrderDelayedAndCancelled) {
     loop.stop();
     EXPECT_EQ(loop.post(record("after stop")), 0u);
     EXPECT_FALSE(loop.runAndWait([] {}));
+}
+
+namespace {
+
+// A worker like a message queue's thread: takes work from its unbounded semaphore until stopped.
+class Worker : public Threadable {
+public:
+    explicit Worker(std::atomic<int>& done) : mDone(done) {}
+    void run() override {
+        while (mWork.take(-1) && !mStop) {
+            mDone.fetch_add(1);
+        }
+    }
+    void post() { mWork.give(); }
+    void stop() {
+        mStop = true;
+        mWork.give();
+    }
+
+private:
+    Semaphore mWork{0, -1, false};
+    std::atomic<bool> mStop{false};
+    std::atomic<int>& mDone;
+};
+
+} // namespace
+
+// Work is posted from one thread while another asks whether everything settled: whenever the
+// answer is yes, every piece of work posted before the question has been done.
+TEST(ThreadActivity, SettledOnlyWhenEveryPostedPieceOfWorkIsDone) {
+    std::atomic<int> done{0};
+    std::atomic<int> posted{0};
+    std::vector<std::unique_ptr<Worker>> workers;
+    std::vector<unsigned long> ids(3);
+    for (unsigned long& id : ids) {
+        workers.push_back(std::make_unique<Worker>(done));
+        ASSERT_EQ(Threader().start(&id, workers.back().get(), "worker", 1, 0), 1);
+    }
+    std::atomic<bool> posting{true};
+    std::atomic<int> settledSeen{0};
+    std::thread asker([&] {
+        while (posting) {
+            const int postedBefore = posted.load();
+            if (ThreadActivity::allWaitingForWork()) {
+                EXPECT_GE(done.load(), postedBefore);
+                settledSeen.fetch_add(1);
+            }
+        }
+    });
+    for (int i = 0; i < 3000; ++i) {
+        workers[static_cast<size_t>(i) % workers.size()]->post();
+        posted.fetch_add(1);
+        if (i % 100 == 0) {
+            std::this_thread::yield();
+        }
+    }
+    bool settled = false;
+    for (int i = 0; i < 1000 && !settled; ++i) {
+        settled = ThreadActivity::allWaitingForWork();
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    posting = false;
+    asker.join();
+    EXPECT_TRUE(settled) << "the workers end up waiting for work";
+    EXPECT_EQ(done.load(), 3000);
+    for (size_t i = 0; i < workers.size(); ++i) {
+        workers[i]->stop();
+        EXPECT_TRUE(Threader().wait(ids[i]));
+    }
+    EXPECT_TRUE(ThreadActivity::allWaitingForWork()) << "ended threads no longer count";
 }

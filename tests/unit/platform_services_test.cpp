@@ -212,16 +212,20 @@ TEST(EmulatedCallControl, AnswersByItselfAfterTheDelayAndRefusesBadRequests) {
 
 TEST(DirectoryService, FindsNumbersFromFileAndApiIgnoringSeparators) {
     const std::string path = testing::TempDir() + "agp_directory_" + std::to_string(getpid());
-    std::ofstream(path)
-        << "# phone book\n0123;X;Y;4;x.png\n\n089 12-34;Anna;Berg;2\nbad line\n555;A;B;7\n;A;B;1\n";
+    std::ofstream(path) << "number,first name,surname,type,picture\n# phone book\n0123,X,Y,mobile,x.png\n\n"
+                           "089 12-34,Anna,\"Berg, Jr.\",2\nbad line\n555,A,B,7\n,A,B,1\n12ab,A,B,private\n"
+                           "1,\"open,A,B,1\n2,A,B,1,../x.png\n";
     DirectoryService directory;
     std::vector<std::string> problems;
     EXPECT_FALSE(directory.loadFile(path, problems));
     std::remove(path.c_str());
     EXPECT_EQ(problems,
-              (std::vector<std::string>{path + ":5: expected number;first name;surname;number type[;picture]",
-                                        path + ":6: number type must be 1, 2, 3 or 4",
-                                        path + ":7: number without digits"}));
+              (std::vector<std::string>{
+                  path + ":6: expected 4 or 5 fields (number,first name,surname,type[,picture]), found 1",
+                  path + ":7: type must be private, business, business2 or mobile (or 1 to 4), not '7'",
+                  path + ":8: '' is not a phone number", path + ":9: '12ab' is not a phone number",
+                  path + ":10: a quoted field is not closed",
+                  path + ":11: the picture is a file name in the phone's picture folder, without '/'"}));
     EXPECT_EQ(directory.size(), 2u) << "good lines are kept";
 
     DirectoryRecord record;
@@ -231,7 +235,7 @@ TEST(DirectoryService, FindsNumbersFromFileAndApiIgnoringSeparators) {
     EXPECT_EQ(record.pictureFileName, "x.png");
     EXPECT_EQ(record.numberType, DirectoryRecord::Mobile);
     ASSERT_TRUE(directory.findByNumber("(089) 1234", record));
-    EXPECT_EQ(record.surname, "Berg");
+    EXPECT_EQ(record.surname, "Berg, Jr.");
     EXPECT_EQ(record.pictureFileName, "");
 
     DirectoryRecord untouched;
@@ -242,6 +246,9 @@ TEST(DirectoryService, FindsNumbersFromFileAndApiIgnoringSeparators) {
     EXPECT_TRUE(directory.addEntry(DirectoryRecord{"999", "New", "Entry", "", DirectoryRecord::Private}));
     EXPECT_FALSE(directory.addEntry(DirectoryRecord{"998", "Bad", "Type", "", 0}));
     EXPECT_TRUE(directory.findByNumber("999", untouched));
+    EXPECT_TRUE(directory.removeEntry("999"));
+    EXPECT_FALSE(directory.findByNumber("999", untouched));
+    EXPECT_EQ(directory.entries().size(), 2u);
     EXPECT_FALSE(directory.loadFile(path + ".missing", problems));
 }
 

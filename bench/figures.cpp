@@ -1,0 +1,463 @@
+// The figures of `make bench`: each measured against its baseline in the same run, in interleaved
+// rounds, printed as one table and as one line per figure that scripts can read.
+#include <expat.h>
+#include <httplib.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <condition_variable>
+#include <cstdio>
+#include <fstream>
+#include <functional>
+#include <mutex>
+#include <regex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "AGPCommonBase.h"
+#include "AGPObjectMap.h"
+#include "AGPObjectPool.h"
+#include "AGPPhoneletManager.h"
+#include "AGPXMLParser.h"
+#include "PhoneJournal.h"
+
+extern char** environ;
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double microsSince(Clock::time_point start) {
+    return std::chrono::duration<double, std::micro>(Clock::now() - start).count();
+}
+
+double median(std::vector<double> values) {
+    if (values.empty()) {
+        return NAN;
+    }
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+double percentile99(std::vector<double> values) {
+    if (values.empty()) {
+        return NAN;
+    }
+    std::sort(values.begin(), values.end());
+    return values[std::min(values.size() - 1, values.size() * 99 / 100)];
+}
+
+// One row of the table. A figure with a baseline is judged by its ratio, one without by its value.
+struct Figure {
+    std::string name;
+    std::string unit;
+    double value = NAN;
+    double baseline = NAN;
+    double target = NAN;
+
+    bool relative() const { return !std::isnan(baseline); }
+    double judged() const { return relative() ? value / baseline : value; }
+    bool met() const { return !std::isnan(judged()) && judged() <= target; }
+};
+
+std::vector<Figure> gFigures;
+
+void record(const std::string& name, const std::string& unit, double value, double baseline, double target) {
+    gFigures.push_back({name, unit, value, baseline, target});
+    std::fprintf(stderr, "measured %s\n", name.c_str());
+}
+
+void printTable() {
+    std::printf("\n%-34s %14s %14s %8s %8s %4s\n", "figure", "value", "baseline", "ratio", "target", "met");
+    for (const Figure& f : gFigures) {
+        char baseline[32] = "-";
+        char ratio[32] = "-";
+        if (f.relative()) {
+            std::snprintf(baseline, sizeof baseline, "%.1f %s", f.baseline, f.unit.c_str());
+            std::snprintf(ratio, sizeof ratio, "%.2f", f.value / f.baseline);
+        }
+        char value[32];
+        std::snprintf(value, sizeof value, "%.1f %s", f.value, f.unit.c_str());
+        std::printf("%-34s %14s %14s %8s %8.2f %4s\n", f.name.c_str(), value, baseline, ratio, f.target,
+                    f.met() ? "yes" : "no");
+    }
+    std::printf("\n");
+    for (const Figure& f : gFigures) {
+        if (f.relative()) {
+            std::printf("figure %s value=%.3f baseline=%.3f ratio=%.3f target=%.2f met=%s\n", f.name.c_str(),
+                        f.value, f.baseline, f.value / f.baseline, f.target, f.met() ? "yes" : "no");
+        } else {
+            std::printf("figure %s value=%.3f target=%.2f met=%s\n", f.name.c_str(), f.value, f.target,
+                        f.met() ? "yes" : "no");
+        }
+    }
+}
+
+// ---- Documents ----
+
+// A list of `options` options with titles and URLs (500 options make about 94 KB).
+std::string listDocument(int options, const std::string& title = "Directory",
+                         const std::string& url = "http://server.example/app/select") {
+    std::string xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<IppDisplay>\n<IppScreen ID=\"1\">\n"
+                      "<IppList Type=\"IMPLICIT\">\n<Title>" +
+                      title + "</Title>\n<Url>" + url + "</Url>\n";
+    for (int i = 0; i < options; ++i) {
+        const std::string n = std::to_string(i);
+        xml += "<Option Key=\"entry\" Value=\"" + n + "\" Selected=\"FALSE\">\n<OptionText>Entry number " +
+               n + " of the directory list</OptionText>\n<Url>http://server.example/app/entry?id=" + n +
+               "&amp;view=full</Url>\n</Option>\n";
+    }
+    return xml + "</IppList>\n</IppScreen>\n</IppDisplay>\n";
+}
+
+// A list document of about `bytes` bytes.
+std::string listDocumentOfSize(size_t bytes) {
+    const size_t perOption = (listDocument(100).size() - listDocument(0).size()) / 100;
+    return listDocument(static_cast<int>(std::max<size_t>(1, bytes / perOption)));
+}
+
+// ---- Parsing in this process ----
+
+void emptyStart(void*, const char*, const char**) {}
+void emptyEnd(void*, const char*) {}
+void emptyText(void*, const char*, int) {}
+
+double bareExpatMicros(const std::string& xml) {
+    const auto start = Clock::now();
+    XML_Parser parser = XML_ParserCreate(nullptr);
+    XML_SetElementHandler(parser, emptyStart, emptyEnd);
+    XML_SetCharacterDataHandler(parser, emptyText);
+    XML_Parse(parser, xml.data(), static_cast<int>(xml.size()), 1);
+    XML_ParserFree(parser);
+    return microsSince(start);
+}
+
+// Parse and build the element tree; the tree's deletion is not timed.
+double phoneletParseMicros(const std::string& xml) {
+    std::string copy = xml;
+    AGPCommonBase* root = nullptr;
+    const auto start = Clock::now();
+    AGPPhoneletManager::getAGPXMLParser()->parseXMLData(copy, root);
+    const double micros = microsSince(start);
+    if (root != nullptr) {
+        AGPPhoneletManager::getAGPObjectMap()->removeAGPObjectTree(root->getAGPObjectID());
+    }
+    return micros;
+}
+
+// Rounds alternate between the two, so that whatever else the machine does falls on both alike.
+void compareParsing(const std::string& name, const std::string& xml, int rounds, double target) {
+    std::vector<double> phonelet;
+    std::vector<double> expat;
+    phoneletParseMicros(xml); // warm-up: the pool, the allocator, the caches
+    for (int round = 0; round < rounds; ++round) {
+        phonelet.push_back(phoneletParseMicros(xml));
+        expat.push_back(bareExpatMicros(xml));
+    }
+    record(name, "us", median(phonelet), median(expat), target);
+}
+
+void parsingFigures() {
+    AGPObjectPool::initPool();
+    const std::string list = listDocument(500);
+    compareParsing("parse_list_500", list, 200, 2.0);
+    const std::string large = listDocumentOfSize(20 << 20);
+    compareParsing("parse_20mb", large, 5, 2.5);
+    {
+        PhoneJournal journal; // the log sink that agp-phone always registers
+        compareParsing("parse_list_500_with_journal", list, 200, 2.2);
+    }
+    // The cost per byte must not grow with the size: 20 MB against 100 KB.
+    std::printf("\nparse cost against size (phonelet, median):\n");
+    double perByteSmall = NAN;
+    double perByteLarge = NAN;
+    for (size_t size : {size_t(1) << 10, size_t(10) << 10, size_t(100) << 10, size_t(1) << 20,
+                        size_t(10) << 20, size_t(20) << 20}) {
+        const std::string xml = listDocumentOfSize(size);
+        const int rounds = size >= (size_t(10) << 20) ? 3 : 30;
+        std::vector<double> micros;
+        for (int round = 0; round < rounds; ++round) {
+            micros.push_back(phoneletParseMicros(xml));
+        }
+        const double nsPerByte = median(micros) * 1000.0 / static_cast<double>(xml.size());
+        std::printf("  %10zu bytes  %8.2f ns/byte\n", xml.size(), nsPerByte);
+        if (size == (size_t(100) << 10)) {
+            perByteSmall = nsPerByte;
+        }
+        perByteLarge = nsPerByte;
+    }
+    record("parse_cost_20mb_per_100kb", "ns/B", perByteLarge, perByteSmall, 1.5);
+    AGPPhoneletManager::shutdownPhonelet();
+}
+
+// ---- agp-phone as shipped ----
+
+// Serves lists whose title counts the requests; each option asks for the next list.
+class ListServer {
+public:
+    explicit ListServer(int options) : mOptions(options) {
+        mServer.set_tcp_nodelay(true);
+        mPort = mServer.bind_to_any_port("127.0.0.1");
+        mServer.Get(".*", [this](const httplib::Request&, httplib::Response& response) {
+            const int number = ++mServed;
+            response.set_content(listDocument(mOptions, "List " + std::to_string(number),
+                                              "http://127.0.0.1:" + std::to_string(mPort) + "/next"),
+                                 "text/xml");
+        });
+        mThread = std::thread([this] { mServer.listen_after_bind(); });
+        while (!mServer.is_running()) {
+            std::this_thread::yield();
+        }
+    }
+    ~ListServer() {
+        mServer.stop();
+        mThread.join();
+    }
+    int port() const { return mPort; }
+    int served() const { return mServed; }
+    void setOptions(int options) { mOptions = options; }
+
+private:
+    httplib::Server mServer;
+    std::atomic<int> mOptions;
+    std::atomic<int> mServed{0};
+    int mPort = 0;
+    std::thread mThread;
+};
+
+// agp-phone started against the server, with its control API on a free port.
+class PhoneProcess {
+public:
+    PhoneProcess(int serverPort, const std::string& name) {
+        int fds[2];
+        if (pipe(fds) != 0) {
+            return;
+        }
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_adddup2(&actions, fds[1], 1);
+        posix_spawn_file_actions_addclose(&actions, fds[0]);
+        std::vector<std::string> arguments = {
+            AGP_PHONE_PATH, "--url",  "http://127.0.0.1:" + std::to_string(serverPort) + "/start",
+            "--app",        name,     "--push",
+            "off",          "--http", "127.0.0.1:0",
+            "--headless"};
+        std::vector<char*> argv;
+        for (std::string& argument : arguments) {
+            argv.push_back(&argument[0]);
+        }
+        argv.push_back(nullptr);
+        mStarted = Clock::now();
+        if (posix_spawn(&mPid, AGP_PHONE_PATH, &actions, nullptr, argv.data(), environ) != 0) {
+            mPid = 0;
+        }
+        posix_spawn_file_actions_destroy(&actions);
+        close(fds[1]);
+        mOutput = fdopen(fds[0], "r");
+        readControlPort();
+    }
+    ~PhoneProcess() {
+        if (mPid > 0) {
+            kill(mPid, SIGTERM);
+            waitpid(mPid, nullptr, 0);
+        }
+        if (mOutput != nullptr) {
+            fclose(mOutput);
+        }
+    }
+
+    int controlPort() const { return mControlPort; }
+    Clock::time_point started() const { return mStarted; }
+
+    // Resident memory in kB, from the kernel's account of the process.
+    long residentKb() const {
+        std::ifstream status("/proc/" + std::to_string(mPid) + "/status");
+        std::string line;
+        while (std::getline(status, line)) {
+            if (line.rfind("VmRSS:", 0) == 0) {
+                return std::stol(line.substr(6));
+            }
+        }
+        return -1;
+    }
+
+private:
+    void readControlPort() {
+        if (mOutput == nullptr) {
+            return;
+        }
+        const std::regex pattern("control API at http://127.0.0.1:([0-9]+)/api/");
+        char line[512];
+        while (std::fgets(line, sizeof line, mOutput) != nullptr) {
+            std::cmatch match;
+            if (std::regex_search(line, match, pattern)) {
+                mControlPort = std::stoi(match[1].str());
+                break;
+            }
+        }
+        // The rest of the output is drained so that the phone never blocks on a full pipe.
+        std::thread([output = mOutput] {
+            char buffer[4096];
+            while (std::fread(buffer, 1, sizeof buffer, output) > 0) {
+            }
+        }).detach();
+        mOutput = nullptr; // the drainer owns it now; it ends when the phone does
+    }
+
+    pid_t mPid = 0;
+    FILE* mOutput = nullptr;
+    int mControlPort = 0;
+    Clock::time_point mStarted;
+};
+
+// Reads the control API's event stream and wakes whoever waits for a piece of it.
+class EventWatcher {
+public:
+    explicit EventWatcher(int port) : mClient("127.0.0.1", port) {
+        mClient.set_read_timeout(60);
+        mThread = std::thread([this] {
+            mClient.Get("/api/events", [this](const char* data, size_t length) {
+                std::lock_guard<std::mutex> lock(mMutex);
+                mText.append(data, length);
+                mArrived.notify_all();
+                return !mStopping;
+            });
+        });
+    }
+    ~EventWatcher() {
+        mStopping = true;
+        mClient.stop();
+        mThread.join();
+    }
+    bool waitFor(const std::string& piece, std::chrono::seconds timeout = std::chrono::seconds(20)) {
+        std::unique_lock<std::mutex> lock(mMutex);
+        const bool seen =
+            mArrived.wait_for(lock, timeout, [&] { return mText.find(piece) != std::string::npos; });
+        mText.clear(); // what came before is done with
+        return seen;
+    }
+
+private:
+    httplib::Client mClient;
+    std::thread mThread;
+    std::mutex mMutex;
+    std::condition_variable mArrived;
+    std::string mText;
+    std::atomic<bool> mStopping{false};
+};
+
+std::string titlePiece(int number) {
+    return "\"title\":\"List " + std::to_string(number) + "\"";
+}
+
+// OK on the focused option through the control API until the event stream shows the next list.
+void keyPressFigures(const std::string& name, int options, int presses, double medianTargetMs,
+                     double p99TargetMs) {
+    ListServer server(options);
+    PhoneProcess phone(server.port(), "Figures-" + std::to_string(getpid()) + "-" + std::to_string(options));
+    if (phone.controlPort() == 0) {
+        std::fprintf(stderr, "%s: agp-phone did not start\n", name.c_str());
+        return;
+    }
+    EventWatcher events(phone.controlPort());
+    if (!events.waitFor(titlePiece(1))) {
+        std::fprintf(stderr, "%s: the first list did not appear\n", name.c_str());
+        return;
+    }
+    httplib::Client api("127.0.0.1", phone.controlPort());
+    api.set_tcp_nodelay(true);
+    std::vector<double> millis;
+    for (int press = 0; press < presses; ++press) {
+        const int next = server.served() + 1;
+        const auto start = Clock::now();
+        api.Post("/api/keys", R"({"keys": ["ok"]})", "application/json");
+        if (!events.waitFor(titlePiece(next))) {
+            std::fprintf(stderr, "%s: list %d did not appear\n", name.c_str(), next);
+            return;
+        }
+        millis.push_back(microsSince(start) / 1000.0);
+    }
+    record(name + "_median", "ms", median(millis), NAN, medianTargetMs);
+    if (!std::isnan(p99TargetMs)) {
+        record(name + "_p99", "ms", percentile99(millis), NAN, p99TargetMs);
+    }
+}
+
+// Start to first screen, idle memory, a kept-alive control-API request, memory after large documents.
+void processFigures() {
+    std::vector<double> startMillis;
+    std::vector<double> idleMb;
+    for (int run = 0; run < 5; ++run) {
+        ListServer server(10);
+        PhoneProcess phone(server.port(), "Figures-start-" + std::to_string(getpid()));
+        if (phone.controlPort() == 0) {
+            std::fprintf(stderr, "agp-phone did not start\n");
+            return;
+        }
+        httplib::Client api("127.0.0.1", phone.controlPort());
+        for (int i = 0; i < 5000; ++i) {
+            auto text = api.Get("/api/screen/text");
+            if (text && text->body.find("List 1") != std::string::npos) {
+                startMillis.push_back(microsSince(phone.started()) / 1000.0);
+                break;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        idleMb.push_back(static_cast<double>(phone.residentKb()) / 1024.0);
+    }
+    record("start_to_first_screen", "ms", median(startMillis), NAN, 55.0);
+    record("idle_resident", "MB", median(idleMb), NAN, 15.0);
+
+    ListServer server(10);
+    PhoneProcess phone(server.port(), "Figures-mem-" + std::to_string(getpid()));
+    if (phone.controlPort() == 0) {
+        return;
+    }
+    httplib::Client api("127.0.0.1", phone.controlPort());
+    std::vector<double> secondMillis;
+    for (int i = 0; i < 50; ++i) {
+        api.Get("/api/state");
+        const auto start = Clock::now();
+        api.Get("/api/state");
+        secondMillis.push_back(microsSince(start) / 1000.0);
+    }
+    record("control_api_kept_alive_request", "ms", median(secondMillis), NAN, 2.0);
+
+    EventWatcher events(phone.controlPort());
+    events.waitFor(titlePiece(1));
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    const double before = static_cast<double>(phone.residentKb()) / 1024.0;
+    server.setOptions(
+        static_cast<int>((1 << 20) / ((listDocument(100).size() - listDocument(0).size()) / 100)));
+    for (int document = 0; document < 60; ++document) {
+        const int next = server.served() + 1;
+        api.Post("/api/keys", R"({"keys": ["ok"]})", "application/json");
+        if (!events.waitFor(titlePiece(next), std::chrono::seconds(60))) {
+            std::fprintf(stderr, "the 1 MB list %d did not appear\n", next);
+            break;
+        }
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    const double after = static_cast<double>(phone.residentKb()) / 1024.0;
+    record("resident_growth_60_documents_1mb", "MB", after - before, NAN, 20.0);
+}
+
+} // namespace
+
+int main() {
+    signal(SIGPIPE, SIG_IGN);
+    parsingFigures();
+    keyPressFigures("key_press_list_10", 10, 300, 1.0, 5.0);
+    keyPressFigures("key_press_list_500", 500, 100, 5.0, NAN);
+    processFigures();
+    printTable();
+    return 0;
+}
