@@ -2,14 +2,18 @@
 #include "AGPCellLine.h"
 
 #include "AGPCell.h"
+#include "AGPImage.h"
 
 namespace {
 
-// Hook for pictures: the widget picture of an Image element, null while it has none. The
-// picture element registers this line as its state listener when the picture is still on its
-// way and reports it through imageDownloaded.
-DisplayAPI::Image* pictureOf(AGPCommonBase* /*image*/, AGPImageStateListenerIfc* /*listener*/) {
-    return nullptr;
+// The widget picture of an Image element, null while it has none. A listener hears of a
+// picture still on its way through imageDownloaded, once the element's download ends.
+DisplayAPI::Image* pictureOf(AGPCommonBase* element, AGPImageStateListenerIfc* listener) {
+    auto* image = static_cast<AGPImage*>(element);
+    if (listener != nullptr) {
+        image->setImageStateListener(listener);
+    }
+    return image->getDisplayAPI_Image();
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 // The text of a table cell's line, possibly a phone number.
 #include "AGPCellText.h"
 
+#include "AGPIppPhoneNumber.h"
+
 AGPCellText::AGPCellText() : mPhoneNumberCount(0, 1), mState(NORMAL), mPhoneNumberSet(false) {
     registerElement();
 }
@@ -24,16 +26,14 @@ bool AGPCellText::addAttribute(std::string& name, std::string& value) {
     return false;
 }
 
-// Hook for phone numbers: the phone number element takes the cell's text as its number (it
-// shows and dials it); until that element exists in the document model the child is never
-// created and the cell shows its own text.
+// Children are initialised first, so the phone number is ready to take the cell's text as its
+// number; from then on it supplies the content (the contact's name, or what its NumberType asks).
 void AGPCellText::initializeElement() {
-    AGPCommonBase* number = getChildByType(AGPObjectTypeInfo::ti_IppPhoneNumber);
+    auto* number = static_cast<AGPIppPhoneNumber*>(getChildByType(AGPObjectTypeInfo::ti_IppPhoneNumber));
     if (number == nullptr) {
         return;
     }
-    std::string text = mContent;
-    number->addContent(text);
+    number->setPhoneNumber(mContent);
     mPhoneNumberSet = true;
 }
 

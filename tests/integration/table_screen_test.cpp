@@ -8,6 +8,7 @@
 #include "ApplicationServer.h"
 #include "EmulatedPhone.h"
 #include "PhoneScreens.h"
+#include "TestPictures.h"
 #include "TextRenderer.h"
 
 namespace {
@@ -32,11 +33,14 @@ std::string command(const std::string& type, const std::string& label, const std
 
 class TableScreen : public ::testing::TestWithParam<bool> {
 protected:
-    void start(const std::string& document) {
+    void start(const std::string& document, const std::function<void(EmulatedPhone&)>& prepare = {}) {
         PhoneOptions options;
         options.applicationName = uniqueApplicationName("Tables-");
         options.model.softKeyBar = GetParam();
         mPhone = std::make_unique<EmulatedPhone>(options);
+        if (prepare) {
+            prepare(*mPhone);
+        }
         mServer.setDocument("/app/start", document);
         mServer.setDocument("/app/sent", "");
         ASSERT_TRUE(mPhone->configuration().setValues(
@@ -192,6 +196,47 @@ TEST_P(TableScreen, ALoneBackCommandGoesStraightBack) {
         Key::Back, [](const json& s) { return s["screen"]["header"]["lines"][0][0]["text"] == "Name"; });
     EXPECT_EQ(shot["screen"]["header"]["lines"][0][0]["text"], "Name") << shot.dump();
     EXPECT_TRUE(shot["popup"].is_null());
+}
+
+TEST_P(TableScreen, CellsShowTheirPicturesAndPhoneNumbers) {
+    mServer.setReply("/app/face.png", TestPictures::png(12, 10), "image/png");
+    mServer.setReply("/app/flag.png", TestPictures::png(8, 6), "image/png");
+    const std::string picture = "<Image>" + url("face.png") + "</Image>";
+    start("<IppDisplay><IppScreen ID=\"1\"><IppTable ColumnCount=\"2\"><Url>" + url() +
+              "</Url><Header ColumnCount=\"2\"><Cell><CellLine><CellText>Who</CellText><Image>" +
+              url("flag.png") + "</Image></CellLine></Cell>" + cell("Note") +
+              "</Header><Row Key=\"c\" Value=\"young\"><Cell><CellLine><CellText>0123"
+              "<IppPhoneNumber NumberType=\"NAME\"/></CellText>" +
+              picture + "<Image>" + url("missing.png") + "</Image>" + picture +
+              "</CellLine></Cell><Cell><CellLine><CellText>0999<IppPhoneNumber NumberType=\"NAME\"><AltText>"
+              "Unknown</AltText></IppPhoneNumber></CellText></CellLine></Cell></Row></IppTable></IppScreen>"
+              "</IppDisplay>",
+          [](EmulatedPhone& phone) {
+              // Contacts are looked up on a phone whose model has number-type icons.
+              ASSERT_TRUE(phone.configuration().setValues({{"related-device-type", "Veltria 80"}}));
+              phone.directory().addEntry({"0123", "Xaver", "Young", "", DirectoryRecord::Mobile});
+          });
+    // The pictures arrive in the background; the one the server does not have is left out.
+    const json shot = waitFor([](const json& s) {
+        return s["screen"]["rows"][0]["lines"][0][0]["images"].size() == 3 &&
+               !s["screen"]["rows"][0]["lines"][0][0]["images"][2].is_null() &&
+               s["screen"]["header"]["lines"][0][0]["images"].size() == 1;
+    });
+    const json& images = shot["screen"]["rows"][0]["lines"][0][0]["images"];
+    ASSERT_EQ(images.size(), 3u) << shot.dump();
+    EXPECT_EQ(images[0]["width"], 12);
+    EXPECT_EQ(images[0]["height"], 10);
+    EXPECT_TRUE(images[1].is_null()) << "the missing picture keeps its place empty";
+    EXPECT_EQ(images[2]["width"], 12);
+    EXPECT_EQ(shot["screen"]["header"]["lines"][0][0]["images"][0]["width"], 8);
+    EXPECT_EQ(shot["screen"]["header"]["lines"][0][0]["text"], "Who");
+    EXPECT_EQ(text(shot, 0, 0, 0), "Young, Xaver") << "the contact's name for a known number";
+    EXPECT_EQ(text(shot, 0, 0, 1), "Unknown") << "the alternative text for an unknown one";
+
+    const size_t before = mServer.requests().size();
+    EXPECT_EQ(before, 5u) << "the start document and the four pictures";
+    mPhone->display().pressKey(Key::Ok);
+    EXPECT_EQ(nextRequest(before), "/app/sent?c=young");
 }
 
 TEST_P(TableScreen, OversizedAndBadTablesFallBackWithoutHarm) {
