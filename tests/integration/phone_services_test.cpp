@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <filesystem>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <thread>
@@ -10,6 +12,7 @@
 #include "ApplicationServer.h"
 #include "EmulatedPhone.h"
 #include "PhoneScreens.h"
+#include "TestPictures.h"
 #include "display/Input.h"
 #include "logging/LogCapture.h"
 
@@ -17,9 +20,26 @@ namespace {
 
 using nlohmann::json;
 
-PhoneOptions phoneOptions() {
+namespace fs = std::filesystem;
+
+// The phone's own files: contact pictures live in its /data/images folder.
+struct PhoneFiles {
+    PhoneFiles() : folder(fs::temp_directory_path() / uniqueApplicationName("agp-services-")) {
+        fs::create_directories(folder / "data" / "images");
+        std::ofstream(folder / "data" / "images" / "young.png", std::ios::binary) << TestPictures::png(14, 9);
+    }
+    ~PhoneFiles() {
+        std::error_code ignored;
+        fs::remove_all(folder, ignored);
+    }
+    fs::path folder;
+};
+
+PhoneOptions phoneOptions(const PhoneFiles& files) {
     PhoneOptions options;
     options.applicationName = uniqueApplicationName("Services-");
+    options.filesFolder = files.folder.string();
+    options.skinFolder = AGP_SKIN_DIR;
     return options;
 }
 
@@ -101,7 +121,8 @@ protected:
 
     LogCapture mLog;
     ApplicationServer mServer;
-    EmulatedPhone mPhone{phoneOptions()};
+    PhoneFiles mFiles;
+    EmulatedPhone mPhone{phoneOptions(mFiles)};
 };
 
 } // namespace
@@ -302,8 +323,12 @@ TEST_F(PhoneServices, PhoneNumbersShowTheirContactsAndUnknownOnesTheirAlternativ
     EXPECT_EQ(rows[0]["columns"][0], "Young, Xaver, 0123");
     EXPECT_EQ(rows[0]["image"]["path"], ":/images/Skin2_WG/05_Icons/05_icon_phonenumber_mobile.png")
         << rows[0].dump();
+    EXPECT_EQ(rows[0]["image"]["kind"], "png")
+        << "the icon comes from the installed skin: " << rows[0].dump();
     EXPECT_EQ(rows[1]["columns"][0], "Young, Xaver");
     EXPECT_EQ(rows[1]["image"]["path"], "/data/images/young.png") << rows[1].dump();
+    EXPECT_EQ(rows[1]["image"]["width"], 14) << "the contact's picture from the phone's files";
+    EXPECT_EQ(rows[1]["image"]["height"], 9);
     EXPECT_EQ(rows[2]["columns"][0], "Unknown caller");
     EXPECT_EQ(rows[3]["columns"][0], "0888") << "an empty alternative shows the number";
     EXPECT_TRUE(rows[3]["image"].is_null()) << "no contact, no picture";
