@@ -1,4 +1,5 @@
-// The developer panel: requests with the documents received, the log with its filters, pushes.
+// The developer panel: requests with the documents received, the log with its filters, pushes,
+// and the pictures the application asked for.
 import { append, el, textOf } from './dom.js';
 import { prettyXml } from './xml.js';
 
@@ -6,6 +7,9 @@ const LOG_KEPT = 2000;
 const PUSH_TYPES = { 1: 'queue', 2: 'indicate', 3: 'force', 4: 'active' };
 const TRACE_LEVEL = 5;
 const LEVEL_NAMES = { 1: 'fatal', 2: 'error', 3: 'warning', 4: 'info', 5: 'trace', 6: 'detail' };
+const PICTURES_KEPT = 500;
+// The phonelet traces one outcome line for every picture it fetched or took from its cache.
+const PICTURE_OUTCOME = /^AGPImage::downloadImage\(\): picture \[(.*)\], (\d+) bytes: (.*)$/s;
 
 // Entries numbered by the host; after a reconnect the host sends what it keeps again, and after
 // a restart of the host the numbers begin anew, which empties the list.
@@ -43,6 +47,8 @@ export class DevPanel {
     this.requestList = root.querySelector('#requests');
     this.logList = root.querySelector('#log');
     this.pushList = root.querySelector('#pushes');
+    this.pictureList = root.querySelector('#pictures');
+    this.pictureCount = 0;
     this.moduleFilter = root.querySelector('#log-module');
     this.levelFilter = root.querySelector('#log-level');
     this.modules = new Set();
@@ -86,6 +92,7 @@ export class DevPanel {
       this.log.entries.splice(0, this.log.entries.length - LOG_KEPT);
     }
     added.forEach((line) => this.noteModule(line.module));
+    this.addPictures(added, reset);
     if (reset || this.logList.children.length > LOG_KEPT) {
       this.redrawLog();
     } else {
@@ -93,6 +100,20 @@ export class DevPanel {
         .forEach((line) => this.logList.append(logView(line))));
     }
     this.count('log', this.log.entries.length);
+  }
+
+  addPictures(lines, reset) {
+    if (reset) {
+      this.pictureList.replaceChildren();
+      this.pictureCount = 0;
+    }
+    const pictures = lines.map(pictureOutcome).filter(Boolean);
+    keepScrolledToEnd(this.pictureList, () => pictures.forEach((picture) => this.pictureList.append(pictureView(picture))));
+    while (this.pictureList.children.length > PICTURES_KEPT) {
+      this.pictureList.firstElementChild.remove();
+    }
+    this.pictureCount += pictures.length;
+    this.count('pictures', this.pictureCount);
   }
 
   addPushes(batch) {
@@ -241,6 +262,29 @@ function logView(line) {
     el('span', 'log-level', LEVEL_NAMES[line.level] ?? String(line.level)),
     el('span', 'log-module', textOf(line.module)),
     el('span', 'log-text', textOf(line.text)));
+  return item;
+}
+
+// {time, address, bytes, outcome, kind} of a picture's outcome line, or null for other lines.
+function pictureOutcome(line) {
+  const found = line.module === 'AGPObject' && PICTURE_OUTCOME.exec(textOf(line.text));
+  if (!found) {
+    return null;
+  }
+  const outcome = found[3].trim();
+  const kind = outcome.startsWith('refused') ? 'refused' : outcome.startsWith('taken from the cache') ? 'cache' : 'fetched';
+  return { time: line.time, address: found[1], bytes: Number(found[2]), outcome, kind };
+}
+
+function pictureView(picture) {
+  const item = el('li', `picture-entry ${picture.kind}`);
+  append(item,
+    el('span', 'log-time', clock(picture.time)),
+    el('span', `status${picture.kind === 'refused' ? ' bad' : ''}`, picture.kind === 'cache' ? 'cache' : picture.kind),
+    el('span', 'picture-bytes', `${picture.bytes} bytes`),
+    el('span', 'picture-outcome', picture.outcome),
+    el('span', 'url', picture.address));
+  item.title = picture.address;
   return item;
 }
 

@@ -95,6 +95,13 @@ describe('the large phone with soft keys', () => {
     const addresses = await page.locator('#display .content img.picture')
       .evaluateAll((pictures) => pictures.map((picture) => new URL(picture.src).pathname));
     assert.ok(addresses.every((address) => /^\/api\/pictures\/\d+$/.test(address)), addresses.join());
+    // The panel lists each download with its size and what became of it.
+    await page.locator('#tab-pictures').click();
+    const colours = page.locator('#pictures .picture-entry.fetched', { hasText: '/demo/pictures/colours.png' });
+    await colours.waitFor({ timeout: WAIT_MS });
+    assert.match(await colours.innerText(), /\d+ bytes[\s\S]*24x24 png, cached as demo-colours/);
+    assert.equal(await page.locator('#count-pictures').innerText(), '5');
+    await page.locator('#tab-requests').click();
   });
 
   test('clicks: a colour ticked on the multiple list and sent with the first soft key', async () => {
