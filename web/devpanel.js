@@ -8,7 +8,7 @@ const PUSH_TYPES = { 1: 'queue', 2: 'indicate', 3: 'force', 4: 'active' };
 const TRACE_LEVEL = 5;
 const LEVEL_NAMES = { 1: 'fatal', 2: 'error', 3: 'warning', 4: 'info', 5: 'trace', 6: 'detail' };
 const PICTURES_KEPT = 500;
-// The phonelet traces one outcome line for every picture it fetched or took from its cache.
+// The phonelet traces one outcome line for every picture it downloads or reads.
 const PICTURE_OUTCOME = /^AGPImage::downloadImage\(\): picture \[(.*)\], (\d+) bytes: (.*)$/s;
 
 // Entries numbered by the host; after a reconnect the host sends what it keeps again, and after
@@ -265,14 +265,15 @@ function logView(line) {
   return item;
 }
 
-// {time, address, bytes, outcome, kind} of a picture's outcome line, or null for other lines.
+// {time, address, bytes, outcome, kind} of a picture's outcome line (its size and kind, and
+// whether it was cached; or why it was refused), or null for other lines.
 function pictureOutcome(line) {
   const found = line.module === 'AGPObject' && PICTURE_OUTCOME.exec(textOf(line.text));
   if (!found) {
     return null;
   }
   const outcome = found[3].trim();
-  const kind = outcome.startsWith('refused') ? 'refused' : outcome.startsWith('taken from the cache') ? 'cache' : 'fetched';
+  const kind = outcome.startsWith('refused') ? 'refused' : 'fetched';
   return { time: line.time, address: found[1], bytes: Number(found[2]), outcome, kind };
 }
 
@@ -280,7 +281,7 @@ function pictureView(picture) {
   const item = el('li', `picture-entry ${picture.kind}`);
   append(item,
     el('span', 'log-time', clock(picture.time)),
-    el('span', `status${picture.kind === 'refused' ? ' bad' : ''}`, picture.kind === 'cache' ? 'cache' : picture.kind),
+    el('span', `status${picture.kind === 'refused' ? ' bad' : ''}`, picture.kind),
     el('span', 'picture-bytes', `${picture.bytes} bytes`),
     el('span', 'picture-outcome', picture.outcome),
     el('span', 'url', picture.address));

@@ -117,7 +117,6 @@ void AGPImage::initializeElement() {
     AGPImageCache* cache = AGPPhoneletManager::findAGPImageCache();
     if (!mCacheId.empty() && mEnvelope == nullptr && cache != nullptr &&
         cache->getImageFromCache(mCacheId, mEnvelope)) {
-        logTakenFromCache();
         createImageFromEnvelope();
         return;
     }
@@ -165,7 +164,6 @@ void AGPImage::downloadImage(std::string& url, bool notify) {
             createImageFromEnvelope();
         }
     } else if (!mCacheId.empty() && cache != nullptr && cache->getImageFromCache(mCacheId, mEnvelope)) {
-        logTakenFromCache();
         if (mDisplayed) {
             createImageFromEnvelope();
         }
@@ -185,14 +183,6 @@ void AGPImage::downloadImage(std::string& url, bool notify) {
     if (notify && mImageStateListener != nullptr && mImage != nullptr && mDisplayed) {
         mImageStateListener->imageDownloaded(mAGPId);
     }
-}
-
-// The same outcome line as a download's, so that the developer panel lists pictures the cache
-// gave beside those fetched.
-void AGPImage::logTakenFromCache() {
-    AGP_LOG(5, "AGPImage::downloadImage(): picture [%s], %d bytes: taken from the cache as %s",
-            trimmed(getContent()).c_str(), mEnvelope != nullptr ? mEnvelope->getImageDataSize() : 0,
-            mCacheId.c_str());
 }
 
 bool AGPImage::fetch(const std::string& source, char*& data, unsigned int& size) {
@@ -282,7 +272,6 @@ void AGPImage::reDisplayElement() {
         createImageFromEnvelope();
     } else if (!mCacheId.empty()) {
         if (cache != nullptr && cache->getImageFromCache(mCacheId, mEnvelope)) {
-            logTakenFromCache();
             createImageFromEnvelope();
         } else {
             AGP_LOG(6,

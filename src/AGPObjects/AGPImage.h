@@ -60,7 +60,6 @@ private:
     bool fetch(const std::string& source, char*& data, unsigned int& size);
     void takeDownloadedBytes(char* data, unsigned int size, const std::string& source);
     void dropEnvelope();
-    void logTakenFromCache();
 
     std::string mCache;
     std::string mCacheId;
