@@ -3,11 +3,15 @@
 
 #include <cstdio>
 #include <limits>
+#include <map>
 #include <vector>
 
 #include "AGPCommonBase.h"
 
-AGPObjectMap::AGPObjectMap() : mNextAGPId(1), mLock(new Semaphore(1, 1, true)) {}
+AGPObjectMap::AGPObjectMap() : mNextAGPId(1), mLock(new Semaphore(1, 1, true)) {
+    // A document of a few thousand elements registers without rehashing.
+    mObjects.reserve(4096);
+}
 
 AGPObjectMap::~AGPObjectMap() {
     clearMap();
@@ -24,13 +28,7 @@ AGPId AGPObjectMap::addAGPObject(AGPCommonBase* element) {
         }
     }
     mObjects.emplace(mNextAGPId, element);
-    const std::string& typeName = AGPObjectTypeInfo::getTypeNameRef(element->getAGPObjectType());
-    auto count = mTypeCounts.find(typeName);
-    if (count == mTypeCounts.end()) {
-        mTypeCounts.emplace(typeName, 1);
-    } else {
-        ++count->second;
-    }
+    countLocked(element->getAGPObjectType(), 1);
     const AGPId id = mNextAGPId++;
     if (mNextAGPId == 0) {
         mNextAGPId = 1; // 0 means "no element" and is never handed out
@@ -38,16 +36,28 @@ AGPId AGPObjectMap::addAGPObject(AGPCommonBase* element) {
     return id;
 }
 
-// The map is ordered, so the first gap in its keys from 1 on is the lowest free identifier.
+// Only needed once the counter went round; there are never more live elements than fit in memory,
+// so the search ends long before the last identifier.
 AGPId AGPObjectMap::lowestFreeId() const {
     AGPId candidate = 1;
-    for (auto it = mObjects.lower_bound(1); it != mObjects.end() && it->first == candidate; ++it) {
+    while (mObjects.count(candidate) != 0) {
         if (candidate == std::numeric_limits<AGPId>::max()) {
             return 0; // every identifier is in use
         }
         ++candidate;
     }
     return candidate;
+}
+
+std::size_t AGPObjectMap::slotOf(AGPObjectTypeInfo::AGPObjectType type) {
+    return type >= 0 && static_cast<std::size_t>(type) < kTypeSlots ? static_cast<std::size_t>(type)
+                                                                    : kTypeSlots - 1;
+}
+
+void AGPObjectMap::countLocked(AGPObjectTypeInfo::AGPObjectType type, int change) {
+    const std::size_t slot = slotOf(type);
+    mTypeCounts[slot] += change;
+    mTypeSeen[slot] = true;
 }
 
 void AGPObjectMap::setNextIdForTesting(AGPId id) {
@@ -95,13 +105,7 @@ void AGPObjectMap::forgetLocked(AGPId id) {
     }
     AGPCommonBase* element = found->second;
     mObjects.erase(found);
-    const std::string& typeName = AGPObjectTypeInfo::getTypeNameRef(element->getAGPObjectType());
-    auto count = mTypeCounts.find(typeName);
-    if (count == mTypeCounts.end()) {
-        mTypeCounts.emplace(typeName, -1);
-    } else {
-        --count->second;
-    }
+    countLocked(element->getAGPObjectType(), -1);
 }
 
 bool AGPObjectMap::removeAGPObject(AGPId id) {
@@ -134,13 +138,22 @@ bool AGPObjectMap::removeAGPObjectTree(AGPId id) {
 
 void AGPObjectMap::clearMap() {
     CriticalSection lock(mLock);
-    mTypeCounts.clear();
+    mTypeCounts.fill(0);
+    mTypeSeen.fill(false);
 }
 
+// Types that share a name ("unknown_type") are counted together, in the order of their names.
 void AGPObjectMap::printSummary() {
     CriticalSection lock(mLock);
+    std::map<std::string, int> byName;
+    for (std::size_t slot = 0; slot < kTypeSlots; ++slot) {
+        if (mTypeSeen[slot]) {
+            byName[AGPObjectTypeInfo::getTypeNameRef(static_cast<AGPObjectTypeInfo::AGPObjectType>(slot))] +=
+                mTypeCounts[slot];
+        }
+    }
     std::printf("printSummary started\n");
-    for (const auto& entry : mTypeCounts) {
+    for (const auto& entry : byName) {
         std::printf("%d X %s\n", entry.second, entry.first.c_str());
     }
     std::printf("printSummary finished\n");
@@ -148,8 +161,14 @@ void AGPObjectMap::printSummary() {
 
 int AGPObjectMap::getTypeCount(const std::string& typeName) {
     CriticalSection lock(mLock);
-    auto found = mTypeCounts.find(typeName);
-    return found == mTypeCounts.end() ? 0 : found->second;
+    int count = 0;
+    for (std::size_t slot = 0; slot < kTypeSlots; ++slot) {
+        if (AGPObjectTypeInfo::getTypeNameRef(static_cast<AGPObjectTypeInfo::AGPObjectType>(slot)) ==
+            typeName) {
+            count += mTypeCounts[slot];
+        }
+    }
+    return count;
 }
 
 size_t AGPObjectMap::size() {

@@ -1,8 +1,9 @@
 // The process-wide registry of elements by identifier, with per-type statistics.
 #pragma once
 
-#include <map>
+#include <array>
 #include <string>
+#include <unordered_map>
 
 #include "AGPObjectTypeInfo.h"
 #include "AGPTypes.h"
@@ -66,8 +67,16 @@ private:
     AGPCommonBase* findLocked(AGPId id);
     void forgetLocked(AGPId id);
 
+    // One slot a type, the last for every type beyond the known ones: counting costs no lookup.
+    static constexpr std::size_t kTypeSlots = AGPObjectTypeInfo::ti_NoType + 1;
+    static std::size_t slotOf(AGPObjectTypeInfo::AGPObjectType type);
+    void countLocked(AGPObjectTypeInfo::AGPObjectType type, int change);
+
     AGPId mNextAGPId;
-    std::map<AGPId, AGPCommonBase*> mObjects;
-    std::map<std::string, int, std::less<>> mTypeCounts;
+    std::unordered_map<AGPId, AGPCommonBase*> mObjects;
+    // Registrations minus removals a type, and whether the type was ever registered (a count that
+    // fell back to zero is still reported).
+    std::array<int, kTypeSlots> mTypeCounts{};
+    std::array<bool, kTypeSlots> mTypeSeen{};
     Semaphore* mLock;
 };
