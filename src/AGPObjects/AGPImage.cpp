@@ -153,6 +153,15 @@ void AGPImage::requestDownload() {
     mDownloadPending = queues->addToMessageQueue(message, mQueueID);
 }
 
+DisplayAPI::Image* AGPImage::takePicture(AGPImageStateListenerIfc* listener) {
+    setImageStateListener(listener);
+    if (mImage == nullptr) {
+        std::string ownContent;
+        downloadImage(ownContent, false);
+    }
+    return mImage;
+}
+
 void AGPImage::downloadImage(std::string& url, bool notify) {
     if (mImage != nullptr) {
         mDownloadPending = false;

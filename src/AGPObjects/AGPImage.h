@@ -51,6 +51,9 @@ public:
     bool isDownloadPending() const { return mDownloadPending; }
 
     void setImageStateListener(AGPImageStateListenerIfc* listener) { mImageStateListener = listener; }
+    // For an owner that shows the picture at once: `listener` hears of later changes, a picture
+    // not there yet is fetched now; null when there is none to show.
+    DisplayAPI::Image* takePicture(AGPImageStateListenerIfc* listener);
 
 private:
     void requestDownload();

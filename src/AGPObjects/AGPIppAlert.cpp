@@ -141,15 +141,7 @@ void AGPIppAlert::initializeElement() {
 // leaves the alert without one.
 DisplayAPI::Image* AGPIppAlert::takeImage() {
     auto* image = static_cast<AGPImage*>(getAGPImage());
-    if (image == nullptr) {
-        return nullptr;
-    }
-    image->setImageStateListener(this);
-    if (image->getDisplayAPI_Image() == nullptr) {
-        std::string url;
-        image->downloadImage(url, false);
-    }
-    return image->getDisplayAPI_Image();
+    return image != nullptr ? image->takePicture(this) : nullptr;
 }
 
 // A phone number in the text brings its own picture (a name and its number on two lines);

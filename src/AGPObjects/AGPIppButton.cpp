@@ -94,15 +94,7 @@ void AGPIppButton::releaseWidget() {
 // the alternative text, and a download that completes later arrives through imageDownloaded.
 DisplayAPI::Image* AGPIppButton::takePicture() {
     auto* image = static_cast<AGPImage*>(getAGPImage());
-    if (image == nullptr) {
-        return nullptr;
-    }
-    image->setImageStateListener(this);
-    if (image->getDisplayAPI_Image() == nullptr) {
-        std::string url;
-        image->downloadImage(url, false);
-    }
-    return image->getDisplayAPI_Image();
+    return image != nullptr ? image->takePicture(this) : nullptr;
 }
 
 void AGPIppButton::createAndInitDisplayElements() {
