@@ -40,22 +40,8 @@ void AGPCell::initializeElement() {
     mParentType = mParent != nullptr ? mParent->getAGPObjectType() : AGPObjectTypeInfo::ti_NoType;
 }
 
-int AGPCell::lineOf(unsigned long cellLineId) {
-    int line = 0;
-    for (AGPCommonBase* child : mChildren) {
-        if (child->getAGPObjectType() != AGPObjectTypeInfo::ti_CellLine) {
-            continue;
-        }
-        if (child->getAGPObjectID() == cellLineId) {
-            return line;
-        }
-        ++line;
-    }
-    return -1;
-}
-
 void AGPCell::setText(std::string& text, unsigned long cellLineId, bool active) {
-    const int line = lineOf(cellLineId);
+    const int line = indexAmongChildrenOfType(AGPObjectTypeInfo::ti_CellLine, cellLineId);
     if (line < 0 || mParent == nullptr) {
         return;
     }
@@ -67,7 +53,7 @@ void AGPCell::setText(std::string& text, unsigned long cellLineId, bool active) 
 }
 
 void AGPCell::setImage(int index, DisplayAPI::Image* image, unsigned long cellLineId) {
-    const int line = lineOf(cellLineId);
+    const int line = indexAmongChildrenOfType(AGPObjectTypeInfo::ti_CellLine, cellLineId);
     if (line < 0 || mParent == nullptr) {
         return;
     }

@@ -37,9 +37,6 @@ public:
     static std::uint32_t parseAGPWidth(const std::string& text);
 
 private:
-    // Position of the line among the cell's lines, -1 when it is not one.
-    int lineOf(unsigned long cellLineId);
-
     AGPChildCount mCellLineCount;
     std::uint32_t mWidth;
     AGPObjectType mParentType;

@@ -101,6 +101,20 @@ void AGPCommonBase::getChildrenByType(AGPObjectType type, std::vector<AGPCommonB
     }
 }
 
+int AGPCommonBase::indexAmongChildrenOfType(AGPObjectType type, AGPId id) {
+    int index = 0;
+    for (AGPCommonBase* child : mChildren) {
+        if (child->getAGPObjectType() != type) {
+            continue;
+        }
+        if (child->getAGPObjectID() == id) {
+            return index;
+        }
+        ++index;
+    }
+    return -1;
+}
+
 bool AGPCommonBase::createTreeExplorationVector(AGPCommonBase* root, std::vector<AGPCommonBase*>& out) {
     if (root == nullptr) {
         out.clear();

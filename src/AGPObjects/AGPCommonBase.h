@@ -47,6 +47,9 @@ public:
     std::vector<AGPCommonBase*> getSequence() { return mChildren; }
     AGPCommonBase* getChildByType(AGPObjectType type);
     void getChildrenByType(AGPObjectType type, std::vector<AGPCommonBase*>& out);
+    // The place of the child `id` among the children of `type` (0 for the first), -1 when it is
+    // not one of them.
+    int indexAmongChildrenOfType(AGPObjectType type, AGPId id);
     // Takes `child` out of the child list and clears its parent, so that it outlives this tree;
     // false when it is not a child of this element.
     bool removeChild(AGPCommonBase* child);

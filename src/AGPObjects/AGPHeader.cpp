@@ -46,20 +46,6 @@ AGPIppTable* AGPHeader::table() {
                : nullptr;
 }
 
-int AGPHeader::columnOf(unsigned long cellId) {
-    int column = 0;
-    for (AGPCommonBase* child : mChildren) {
-        if (child->getAGPObjectType() != AGPObjectTypeInfo::ti_Cell) {
-            continue;
-        }
-        if (child->getAGPObjectID() == cellId) {
-            return column;
-        }
-        ++column;
-    }
-    return -1;
-}
-
 void AGPHeader::processElement() {
     AGPIppTable* owner = table();
     if (owner == nullptr) {
@@ -76,7 +62,7 @@ void AGPHeader::processElement() {
 
 void AGPHeader::setText(int line, std::string& text, unsigned long cellId) {
     AGPIppTable* owner = table();
-    const int column = columnOf(cellId);
+    const int column = indexAmongChildrenOfType(AGPObjectTypeInfo::ti_Cell, cellId);
     if (owner != nullptr && column >= 0) {
         owner->setText(line, column, text);
     }
@@ -84,7 +70,7 @@ void AGPHeader::setText(int line, std::string& text, unsigned long cellId) {
 
 void AGPHeader::setImage(int line, int index, DisplayAPI::Image* image, unsigned long cellId) {
     AGPIppTable* owner = table();
-    const int column = columnOf(cellId);
+    const int column = indexAmongChildrenOfType(AGPObjectTypeInfo::ti_Cell, cellId);
     if (owner != nullptr && column >= 0) {
         owner->setImage(line, column, index, image);
     }

@@ -36,8 +36,6 @@ public:
 private:
     // The table, when it is the parent.
     class AGPIppTable* table();
-    // Position of the cell among the header's cells, -1 when it is not one.
-    int columnOf(unsigned long cellId);
 
     AGPChildCount mCellCount;
     std::uint32_t mLineCount;

@@ -225,22 +225,8 @@ void AGPRow::createAndInitDisplayElements2ndRound() {
     }
 }
 
-int AGPRow::columnOf(unsigned long cellId) {
-    int column = 0;
-    for (AGPCommonBase* child : mChildren) {
-        if (child->getAGPObjectType() != AGPObjectTypeInfo::ti_Cell) {
-            continue;
-        }
-        if (child->getAGPObjectID() == cellId) {
-            return column;
-        }
-        ++column;
-    }
-    return -1;
-}
-
 void AGPRow::setText(int line, std::string& text, unsigned long cellId, bool active) {
-    const int column = columnOf(cellId);
+    const int column = indexAmongChildrenOfType(AGPObjectTypeInfo::ti_Cell, cellId);
     if (mTableItem == nullptr || column < 0) {
         return;
     }
@@ -251,7 +237,7 @@ void AGPRow::setText(int line, std::string& text, unsigned long cellId, bool act
 }
 
 void AGPRow::setImage(int line, int index, DisplayAPI::Image* image, unsigned long cellId) {
-    const int column = columnOf(cellId);
+    const int column = indexAmongChildrenOfType(AGPObjectTypeInfo::ti_Cell, cellId);
     if (mTableItem != nullptr && column >= 0) {
         mTableItem->setImage(line, column, index, image);
     }

@@ -72,7 +72,6 @@ public:
 
 private:
     class AGPIppTable* table();
-    int columnOf(unsigned long cellId);
     void post(AGPMessage::MessageType type, const std::string& content, AGPId target,
               DisplayAPI::Command* command, bool bringToFront);
 
