@@ -3,6 +3,7 @@
 
 #include <stb_image.h>
 
+#include <array>
 #include <atomic>
 #include <cstring>
 #include <filesystem>
@@ -50,6 +51,42 @@ void remember(const std::shared_ptr<ImageData>& image) {
         r.sweptSize = r.pictures.size();
     }
     r.pictures[image->id] = image;
+}
+
+// The pictures decoded last. A list whose options all name one cached picture makes a widget
+// picture of the same bytes for every option: the decoder checks those bytes once, and the
+// others take its verdict. Only pictures still alive are asked, so nothing is kept for this.
+struct RecentPictures {
+    std::mutex mutex;
+    std::array<std::weak_ptr<const ImageData>, 16> decoded;
+    std::size_t next = 0;
+};
+
+RecentPictures& recentPictures() {
+    static RecentPictures instance;
+    return instance;
+}
+
+bool takeEarlierVerdict(ImageData& image) {
+    RecentPictures& recent = recentPictures();
+    std::lock_guard<std::mutex> lock(recent.mutex);
+    for (const auto& entry : recent.decoded) {
+        const std::shared_ptr<const ImageData> earlier = entry.lock();
+        if (earlier != nullptr && earlier->bytes == image.bytes) {
+            image.kind = earlier->kind;
+            image.width = earlier->width;
+            image.height = earlier->height;
+            image.problem = earlier->problem;
+            return true;
+        }
+    }
+    return false;
+}
+
+void noteVerdict(const std::shared_ptr<const ImageData>& image) {
+    RecentPictures& recent = recentPictures();
+    std::lock_guard<std::mutex> lock(recent.mutex);
+    recent.decoded[recent.next++ % recent.decoded.size()] = image;
 }
 
 bool startsWith(const std::vector<unsigned char>& b, const char* signature, std::size_t length) {
@@ -189,7 +226,10 @@ Image::Image(const char* data, int size) : mData(std::make_shared<ImageData>()) 
     if (data != nullptr && size > 0) {
         mData->bytes.assign(data, data + size);
     }
-    recognise(*mData);
+    if (!takeEarlierVerdict(*mData)) {
+        recognise(*mData);
+        noteVerdict(mData);
+    }
     remember(mData);
 }
 
@@ -213,8 +253,9 @@ Image::Image(const std::string& path) : mData(std::make_shared<ImageData>()) {
     }
     if (file.empty() || !readFile(file, mData->bytes, problem)) {
         markBroken(*mData, problem);
-    } else {
+    } else if (!takeEarlierVerdict(*mData)) {
         recognise(*mData);
+        noteVerdict(mData);
     }
     remember(mData);
 }

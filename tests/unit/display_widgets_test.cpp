@@ -446,6 +446,11 @@ TEST(DisplayImage, RealPicturesDecodeAndEverythingElseIsBrokenWithAReason) {
     EXPECT_EQ(make(TestPictures::gif()).getKind(), "gif");
 
     const std::string whole = TestPictures::png(40, 40);
+    // The same bytes again take the first picture's verdict; a part of them is judged anew.
+    const DisplayAPI::Image first = make(whole);
+    const DisplayAPI::Image again = make(whole);
+    EXPECT_EQ(again.getWidth(), 40);
+    EXPECT_NE(again.data()->id, first.data()->id) << "each widget picture has its own id";
     const DisplayAPI::Image truncated = make(whole.substr(0, whole.size() / 2));
     EXPECT_TRUE(truncated.isBroken()) << "a header alone is no picture";
     EXPECT_NE(truncated.data()->problem.find("does not decode"), std::string::npos)
