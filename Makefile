@@ -31,10 +31,12 @@ bench: deps
 fuzz: deps
 	@scripts/install-deps fuzz
 	cmake --preset fuzz
-	cmake --build --preset fuzz --target fuzz_parser
-	mkdir -p fuzz/findings build/fuzz/fuzz/corpus
+	cmake --build --preset fuzz --target fuzz_parser fuzz_text_helpers
+	mkdir -p fuzz/findings build/fuzz/fuzz/corpus build/fuzz/fuzz/corpus-text
 	build/fuzz/fuzz/fuzz_parser -max_total_time=$${FUZZ_SECONDS:-60} -max_len=65536 -dict=fuzz/agp.dict \
 	    -artifact_prefix=fuzz/findings/ build/fuzz/fuzz/corpus fuzz/corpus
+	build/fuzz/fuzz/fuzz_text_helpers -max_total_time=$${FUZZ_SECONDS:-60} -max_len=4096 \
+	    -artifact_prefix=fuzz/findings/ build/fuzz/fuzz/corpus-text fuzz/corpus-text
 
 clean:
 	rm -rf build
