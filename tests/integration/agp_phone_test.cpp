@@ -610,13 +610,18 @@ TEST(AgpPhone, JournalCarriesBytesThatAreNotUtf8AndTextCanBeReplaced) {
     EXPECT_EQ(utf8ToLatin1(push["data"].get<std::string>()), "ServerAddr=127.0.0.1&ProgramName=caf\xE9");
     EXPECT_GT(push["timeMs"].get<long>(), 0);
 
-    // Typing appends; with "replace" the field is emptied first.
+    // Typing appends; with "replace" the field is emptied first. The display draws the text on
+    // its own thread, after the request is answered.
     EXPECT_EQ(api.Post("/api/text", R"({"text": "er"})", "application/json")->status, 200);
-    EXPECT_NE(api.Get("/api/screen/text")->body.find("K\u00f6lner"), std::string::npos);
+    EXPECT_TRUE(eventually([&] {
+        return api.Get("/api/screen/text")->body.find("K\u00f6lner") != std::string::npos;
+    })) << api.Get("/api/screen/text")->body;
     auto replaced = api.Post("/api/text", R"({"text": "Bonn", "replace": true})", "application/json");
     EXPECT_EQ(replaced->body, R"({"handled":true})");
+    EXPECT_TRUE(eventually([&] {
+        return api.Get("/api/screen/text")->body.find("Bonn") != std::string::npos;
+    })) << api.Get("/api/screen/text")->body;
     const std::string screen = api.Get("/api/screen/text")->body;
-    EXPECT_NE(screen.find("Bonn"), std::string::npos) << screen;
     EXPECT_EQ(screen.find("K\u00f6ln"), std::string::npos) << screen;
     EXPECT_EQ(api.Post("/api/text", R"({"text": "x", "replace": "yes"})", "application/json")->status, 400);
     EXPECT_EQ(phone.stop(), 0) << phone.output();
