@@ -195,24 +195,45 @@ void AGPGUIHandler::stopPhonelet() {
 
 // ---- Showing, hiding and focus ----
 
+// The host's thread may not touch elements: each queue thread deletes its own at any time. What
+// the life-cycle calls need to know of an element is asked on the element's queue thread.
+
 void AGPGUIHandler::show() {
     mShown = true;
     notifyEventOnQueue(getMessageQueueIdForCurrent(), AGPIppCommand::ONFOCUS);
     if (mDisplay == nullptr) {
         return;
     }
-    if (checkContextMenu()) {
-        mDisplay->show();
+    AGPQueueNumber queue = 0;
+    const AGPId current = (mMultiTabState == 2 || mMultiTabState == 3) ? currentOwner(&queue) : 0;
+    if (current == 0) {
+        showNow(false);
+        return;
+    }
+    // With the tab bar in use, an open context menu keeps the display hidden.
+    useOnQueue(current, queue, [this](AGPCommonBase* object) {
+        AGPDisplayable* element = asDisplayable(object);
+        showNow(element != nullptr && element->isContextMenuDisplayed());
+    });
+}
+
+void AGPGUIHandler::showNow(bool contextMenuOpen) {
+    std::lock_guard<std::recursive_mutex> showing(mShowLock);
+    if (!mShown) {
+        return; // hidden again meanwhile
+    }
+    mDisplay->show();
+    if (contextMenuOpen) {
         mVisible = false;
         mDisplay->hide();
         return;
     }
-    mDisplay->show();
     mVisible = true;
     notifyFocusListeners(FocusShown);
 }
 
 void AGPGUIHandler::hide() {
+    std::lock_guard<std::recursive_mutex> showing(mShowLock);
     mShown = false;
     notifyEventOnQueue(getMessageQueueIdForCurrent(), AGPIppCommand::ONBLUR);
     if (mDisplay != nullptr) {
@@ -222,14 +243,35 @@ void AGPGUIHandler::hide() {
     notifyFocusListeners(FocusHidden);
 }
 
-bool AGPGUIHandler::checkContextMenu() {
-    if ((mMultiTabState != 2 && mMultiTabState != 3) || mDisplay == nullptr) {
+AGPId AGPGUIHandler::currentOwner(AGPQueueNumber* queue) {
+    *queue = 0;
+    AGPId id = 0;
+    if (mTabScreen != nullptr && tabCount() >= 2) {
+        id = mTabScreen->getOwnerIdForTabAtIndex(mTabScreen->getCurrentTabIndex());
+    } else if (mDisplay != nullptr) {
+        id = mDisplay->getCurrentOwnerId();
+    }
+    AGPObjectMap* map = AGPPhoneletManager::findAGPObjectMap();
+    return id != 0 && map != nullptr && map->getQueueOf(id, *queue) ? id : 0;
+}
+
+void AGPGUIHandler::useOnQueue(AGPId id, AGPQueueNumber queue, std::function<void(AGPCommonBase*)> use) {
+    runOnQueue(queue, [id, queue, use = std::move(use)] {
+        AGPCommonBase* element = lookUp(id);
+        use(element != nullptr && element->getQueueID() == queue ? element : nullptr);
+    });
+}
+
+bool AGPGUIHandler::showsOwnWidget(AGPDisplayable* element) {
+    DisplayAPI::Displayable* own = element->getDisplayAPIDisplayable();
+    if (own == nullptr) {
         return false;
     }
-    DisplayAPI::Displayable* widget =
-        mTabScreen != nullptr ? mTabScreen->currentTab() : mDisplay->getCurrent();
-    AGPDisplayable* element = asDisplayable(elementOf(widget));
-    return element != nullptr && element->isContextMenuDisplayed();
+    // Pointers compared, never followed: the widgets shown may belong to other threads.
+    if (mTabScreen != nullptr && tabCount() >= 2) {
+        return mTabScreen->getDisplayableForTabAtIndex(queueIdToTabIdx(element->getQueueID())) == own;
+    }
+    return mDisplay != nullptr && mDisplay->getCurrent() == own;
 }
 
 void AGPGUIHandler::notifyEvent(AGPQueueNumber queue, AGPIppCommand::AGPEvent event) {
@@ -275,20 +317,29 @@ void AGPGUIHandler::runOnQueue(AGPQueueNumber queue, std::function<void()> work)
 void AGPGUIHandler::setSelectionHighlight(bool on) {
     AGP_LOG(5, "setSelectionHighlight: showHighLight = %d, tabs displayed = %d", on,
             static_cast<int>(tabCount()));
+    std::vector<AGPId> shown;
     if (tabCount() < 2 || mTabScreen == nullptr) {
         if (mDisplay != nullptr) {
-            setSelectionHighlightForDisplayable(mDisplay->getCurrent(), on);
+            shown.push_back(mDisplay->getCurrentOwnerId());
         }
-        return;
+    } else {
+        for (const auto& entry : tabMapCopy()) {
+            shown.push_back(mTabScreen->getOwnerIdForTabAtIndex(entry.second));
+        }
     }
-    for (const auto& entry : tabMapCopy()) {
-        setSelectionHighlightForDisplayable(mTabScreen->getDisplayableForTabAtIndex(entry.second), on);
+    AGPObjectMap* map = AGPPhoneletManager::findAGPObjectMap();
+    for (AGPId id : shown) {
+        AGPQueueNumber queue = 0;
+        if (id != 0 && map != nullptr && map->getQueueOf(id, queue)) {
+            useOnQueue(id, queue, [this, on](AGPCommonBase* element) {
+                setSelectionHighlightOf(asFullScreen(element), on);
+            });
+        }
     }
 }
 
-void AGPGUIHandler::setSelectionHighlightForDisplayable(DisplayAPI::Displayable* widget, bool on) {
-    AGPDisplayable* element = asFullScreen(elementOf(widget));
-    if (element == nullptr || widget == nullptr || element->getDisplayAPIDisplayable() != widget) {
+void AGPGUIHandler::setSelectionHighlightOf(AGPDisplayable* element, bool on) {
+    if (element == nullptr || !showsOwnWidget(element)) {
         return;
     }
     const bool softKeys = mDisplay != nullptr && mDisplay->hasSoftKeyBar() != 0;
@@ -298,15 +349,14 @@ void AGPGUIHandler::setSelectionHighlightForDisplayable(DisplayAPI::Displayable*
     element->setHighlight(on);
 }
 
-bool AGPGUIHandler::agpDisplayableIsCurrentAndUnobscured(AGPDisplayable* element,
-                                                         DisplayAPI::Displayable* widget) {
+bool AGPGUIHandler::agpDisplayableIsCurrentAndUnobscured(AGPDisplayable* element) {
     if (element == nullptr || element->isPopupMenuDisplayed()) {
         return false;
     }
     if (mDisplay != nullptr && mDisplay->hasSoftKeyBar() != 0) {
         return true;
     }
-    return element->getDisplayAPIDisplayable() == widget && !element->isContextMenuDisplayed();
+    return showsOwnWidget(element) && !element->isContextMenuDisplayed();
 }
 
 // ---- Tabs ----
@@ -336,26 +386,33 @@ void AGPGUIHandler::tabStatusChange(bool active) {
         }
         return;
     }
-    AGPQueueNumber currentQueue = 0;
-    DisplayAPI::Displayable* widget = currentWidget(&currentQueue);
+    AGPQueueNumber queue = 0;
+    const AGPId current = currentOwner(&queue);
+    if (current == 0) {
+        focusLeftTabBar(nullptr, getMessageQueueIdForCurrent());
+        return;
+    }
+    // Where the focus goes depends on the element's menus: decided on its queue thread.
+    useOnQueue(current, queue, [this, queue](AGPCommonBase* element) { focusLeftTabBar(element, queue); });
+}
+
+void AGPGUIHandler::focusLeftTabBar(AGPCommonBase* object, AGPQueueNumber queue) {
     const bool manyTabs = mTabScreen != nullptr && tabCount() >= 2;
     const bool softKeys = mDisplay->hasSoftKeyBar() != 0;
+    AGPDisplayable* element = asFullScreen(object);
     bool stopped = false;
     if (manyTabs && mMultiTabState == 0) {
         mMultiTabState = 1;
         mDisplay->show();
-    } else if (widget != nullptr && manyTabs && (mMultiTabState == 2 || mMultiTabState == 3)) {
-        const bool enterBar =
-            mQueueState[currentQueue].popupPlayer == 0 && mQueueState[currentQueue].alert == 0;
+    } else if (manyTabs && validQueue(queue) && (mMultiTabState == 2 || mMultiTabState == 3)) {
+        const bool enterBar = mQueueState[queue].popupPlayer == 0 && mQueueState[queue].alert == 0;
         if (!enterBar) {
             mMultiTabState = 1;
         }
-        AGPCommonBase* object = elementOf(widget);
-        AGPDisplayable* element = asFullScreen(object);
         if (object == nullptr) {
             AGP_LOG(5, "tabStatusChange() Current object not found in multitab app");
             mDisplay->show();
-        } else if (element != nullptr && element->getDisplayAPIDisplayable() == widget &&
+        } else if (element != nullptr && showsOwnWidget(element) &&
                    (element->isPopupMenuDisplayed() || (!softKeys && element->isContextMenuDisplayed()))) {
             mMultiTabState = 1;
             setSelectionHighlight(true);
@@ -370,16 +427,10 @@ void AGPGUIHandler::tabStatusChange(bool active) {
                 mDisplay->show();
             }
         }
-    } else if (widget != nullptr && widget->getOwnerId() != 0) {
+    } else if (object != nullptr) {
         mMultiTabState = 1;
-        AGPCommonBase* object = elementOf(widget);
-        if (object == nullptr) {
-            AGP_LOG(5, "tabStatusChange() Current object not found\n");
-        } else {
-            AGPDisplayable* element = asFullScreen(object);
-            if (element != nullptr && agpDisplayableIsCurrentAndUnobscured(element, widget)) {
-                element->restoreFocusAndHighlight();
-            }
+        if (element != nullptr && agpDisplayableIsCurrentAndUnobscured(element)) {
+            element->restoreFocusAndHighlight();
         }
         mDisplay->show();
     } else {
@@ -408,11 +459,14 @@ void AGPGUIHandler::phoneletTabStatusChange(AGPMessage& message, AGPQueueNumber 
             AGPMessage right(AGPMessage::Command_Right, "Command right for show soft key labels");
             right.agpId = element->getAGPObjectID();
             if (tabs >= 2) {
-                AGPDisplayable* current = asDisplayable(elementOf(mTabScreen->currentTab()));
-                if (current == nullptr) {
+                // The current tab may be another queue's: its widget is only named, never used.
+                const int index = mTabScreen->getCurrentTabIndex();
+                AGPObjectMap* map = AGPPhoneletManager::findAGPObjectMap();
+                const AGPId shown = mTabScreen->getOwnerIdForTabAtIndex(index);
+                if (shown == 0 || map == nullptr || map->getTypeOf(shown) == AGPObjectTypeInfo::ti_NoType) {
                     return;
                 }
-                right.displayable = current->getDisplayAPIDisplayable();
+                right.displayable = mTabScreen->getDisplayableForTabAtIndex(index);
             }
             AGPMessageQueueHandler* queues = AGPPhoneletManager::findAGPMessageQueueHandler();
             if (queues != nullptr) {
@@ -449,34 +503,44 @@ void AGPGUIHandler::tab(int direction) {
     if (mTabScreen == nullptr || tabCount() < 2 || mDisplay == nullptr) {
         return;
     }
-    const AGPQueueNumber queue = getMessageQueueIdForCurrent();
-    if (!validQueue(queue)) {
+    switchTabOnQueue(getMessageQueueIdForCurrent(), direction, 0);
+}
+
+void AGPGUIHandler::switchTabOnQueue(AGPQueueNumber queue, int direction, int hops) {
+    if (validQueue(queue) && hops < QUEUE_COUNT) {
+        runOnQueue(queue, [this, queue, direction, hops] { switchTab(queue, direction, hops); });
+    }
+}
+
+void AGPGUIHandler::switchTab(AGPQueueNumber queue, int direction, int hops) {
+    if (mTabScreen == nullptr || tabCount() < 2) {
+        return;
+    }
+    const AGPQueueNumber current = getMessageQueueIdForCurrent();
+    if (current != queue) {
+        // Another tab came to the front meanwhile: its queue thread decides.
+        switchTabOnQueue(current, direction, hops + 1);
         return;
     }
     if (mQueueState[queue].popupPlayer != 0 || mQueueState[queue].alert != 0) {
         AGP_LOG(5, "AGPGUIHandler::tab() Alert or Player displayed, disable tabbing");
         return;
     }
-    DisplayAPI::Displayable* widget = mTabScreen->currentTab();
-    AGPCommonBase* object = elementOf(widget);
-    if (object == nullptr) {
+    AGPCommonBase* object = lookUp(mTabScreen->getOwnerIdForTabAtIndex(queueIdToTabIdx(queue)));
+    if (object == nullptr || object->getQueueID() != queue) {
         AGP_LOG(5, "AGPGUIHandler::tab() current object not found");
         return;
     }
     AGPDisplayable* element = asFullScreen(object);
-    if (element != nullptr && element->getDisplayAPIDisplayable() == widget &&
-        mDisplay->hasSoftKeyBar() == 0 &&
+    if (element != nullptr && showsOwnWidget(element) && mDisplay->hasSoftKeyBar() == 0 &&
         (element->isContextMenuDisplayed() || element->isPopupMenuDisplayed())) {
         AGP_LOG(5, "AGPGUIHandler::tab() tabbing not allowed, popup or context menu displayed");
         return;
     }
-    // Each queue's screens are told on that queue's thread: tab() may run on any thread.
-    runOnQueue(queue, [this, queue] {
-        if (AGPIppScreen* screen = getCurrentScreen(queue)) {
-            screen->lostFocus();
-        }
-        notifyEvent(queue, AGPIppCommand::ONBLUR);
-    });
+    if (AGPIppScreen* screen = getCurrentScreen(queue)) {
+        screen->lostFocus();
+    }
+    notifyEvent(queue, AGPIppCommand::ONBLUR);
     mDisplay->setCurrent(mTabScreen);
     if (direction == 1) {
         mTabScreen->nextTab();
@@ -657,8 +721,28 @@ void AGPGUIHandler::pullFirstTabDisplayableIntoTabScreen(AGPQueueNumber queue, b
     if (tabCount() == 0 || mFirstTabPulled || mTabScreen == nullptr) {
         return;
     }
+    AGPObjectMap* map = AGPPhoneletManager::findAGPObjectMap();
+    const AGPId firstId = mFirstTabDisplayable;
+    AGPQueueNumber firstQueue = 0;
+    if (firstId != 0 && map != nullptr && map->getQueueOf(firstId, firstQueue) && firstQueue != queue &&
+        validQueue(firstQueue)) {
+        // The first tab's screen belongs to its own queue thread, which moves it.
+        runOnQueue(firstQueue, [this, firstQueue, bringToFront] {
+            DeferredFocus focus(*this);
+            CriticalSection lock(mGUILock);
+            pullFirstTabOfQueue(firstQueue, true, bringToFront);
+        });
+        return;
+    }
+    pullFirstTabOfQueue(queue, false, bringToFront);
+}
+
+void AGPGUIHandler::pullFirstTabOfQueue(AGPQueueNumber queue, bool showItsAlert, bool bringToFront) {
+    if (tabCount() == 0 || mFirstTabPulled || mTabScreen == nullptr) {
+        return;
+    }
     mFirstTabPulled = true;
-    AGPDisplayable* first = asDisplayable(lookUp(mFirstTabDisplayable));
+    AGPDisplayable* first = asDisplayable(ownElementOf(mFirstTabDisplayable, queue));
     DisplayAPI::Displayable* widget = widgetOf(first);
     if (widget != nullptr) {
         const AGPQueueNumber firstQueue = first->getQueueID();
@@ -674,8 +758,8 @@ void AGPGUIHandler::pullFirstTabDisplayableIntoTabScreen(AGPQueueNumber queue, b
             widget->setUsedWithTab(true, mTabScreen);
         }
         mQueueState[firstQueue].alert = pendingAlert;
-        if (firstQueue != queue) {
-            showAlertForQueueIfSet(firstQueue, bringToFront, mGUILock);
+        if (showItsAlert) {
+            showAlertForQueueIfSet(firstQueue, bringToFront, mGUILock, queue);
         }
         return;
     }
@@ -690,7 +774,7 @@ void AGPGUIHandler::pullFirstTabDisplayableIntoTabScreen(AGPQueueNumber queue, b
         }
     }
     if (other != 0) {
-        showAlertForQueueIfSet(other, bringToFront, mGUILock);
+        showAlertForQueueIfSet(other, bringToFront, mGUILock, queue);
     }
 }
 
@@ -698,14 +782,17 @@ DisplayAPI::Displayable* AGPGUIHandler::removeFirstTabOutOfTabScreen() {
     if (mTabScreen == nullptr || tabCount() != 1) {
         return nullptr;
     }
-    DisplayAPI::Displayable* widget = mTabScreen->currentTab();
-    AGPDisplayable* element = asFullScreen(elementOf(widget));
-    if (element != nullptr) {
+    // The remaining tab may be another queue's: its element is asked by identifier only.
+    const int index = mTabScreen->getCurrentTabIndex();
+    const AGPId owner = mTabScreen->getOwnerIdForTabAtIndex(index);
+    AGPObjectMap* map = AGPPhoneletManager::findAGPObjectMap();
+    DisplayAPI::Displayable* widget = mTabScreen->getDisplayableForTabAtIndex(index);
+    if (owner != 0 && map != nullptr && isFullScreenType(map->getTypeOf(owner)) && widget != nullptr) {
         widget->setUsedWithTab(mNoControlKey, nullptr);
         mTabScreen->removeTab(widget);
         mFirstTabPulled = false;
         // What the one remaining tab shows directly must be pulled back in when a tab comes again.
-        mFirstTabDisplayable = element->getAGPObjectID();
+        mFirstTabDisplayable = owner;
         return widget;
     }
     AGPDisplayable* current = getCurrentDisplayable();
@@ -721,17 +808,22 @@ DisplayAPI::Displayable* AGPGUIHandler::removeFirstTabOutOfTabScreen() {
     return current->getDisplayAPIDisplayable();
 }
 
-AGPCommonBase* AGPGUIHandler::elementOf(DisplayAPI::Displayable* widget) {
-    return widget != nullptr ? lookUp(static_cast<AGPId>(widget->getOwnerId())) : nullptr;
+AGPCommonBase* AGPGUIHandler::ownElementOf(AGPId owner, AGPQueueNumber queue) {
+    AGPObjectMap* map = AGPPhoneletManager::findAGPObjectMap();
+    AGPQueueNumber ownerQueue = 0;
+    return owner != 0 && map != nullptr && map->getQueueOf(owner, ownerQueue) && ownerQueue == queue
+               ? lookUp(owner)
+               : nullptr;
 }
 
-DisplayAPI::Displayable* AGPGUIHandler::currentWidget(AGPQueueNumber* queue) {
+AGPObjectTypeInfo::AGPObjectType AGPGUIHandler::typeOfShown(AGPQueueNumber* queue) {
     *queue = 0;
-    if (mTabScreen != nullptr && tabCount() >= 2) {
-        *queue = getMessageQueueIdForCurrent();
-        return mTabScreen->currentTab();
+    AGPObjectMap* map = AGPPhoneletManager::findAGPObjectMap();
+    const AGPId owner = mDisplay != nullptr ? mDisplay->getCurrentOwnerId() : 0;
+    if (owner == 0 || map == nullptr || !map->getQueueOf(owner, *queue)) {
+        return AGPObjectTypeInfo::ti_NoType;
     }
-    return mDisplay != nullptr ? mDisplay->getCurrent() : nullptr;
+    return map->getTypeOf(owner);
 }
 
 bool AGPGUIHandler::isCurrentTabQueue(AGPQueueNumber queue) {
@@ -849,9 +941,9 @@ bool AGPGUIHandler::processXmlTreeObject(AGPCommonBase*& root, AGPQueueNumber qu
     }
     if (initial != nullptr) {
         if (mTabScreen != nullptr && mDisplay != nullptr) {
-            AGPCommonBase* shown = elementOf(mDisplay->getCurrent());
-            if (shown != nullptr && shown->getAGPObjectType() == AGPObjectTypeInfo::ti_IppAlert &&
-                shown->getQueueID() == queue && !isCurrentTabQueue(queue)) {
+            AGPQueueNumber shownQueue = 0;
+            if (typeOfShown(&shownQueue) == AGPObjectTypeInfo::ti_IppAlert && shownQueue == queue &&
+                !isCurrentTabQueue(queue)) {
                 mDisplay->setCurrent(mTabScreen);
             }
         }
@@ -898,6 +990,26 @@ bool AGPGUIHandler::setIppDisplayAsRoot(AGPCommonBase*& root) {
 
 // ---- Showing screens ----
 
+void AGPGUIHandler::indicatePushTo(AGPQueueNumber visibleQueue, AGPQueueNumber queue, bool blur) {
+    const auto indicate = [this, visibleQueue, blur] {
+        AGPIppScreen* screen = getCurrentScreen(visibleQueue);
+        AGPDisplayable* current = screen != nullptr ? screen->getDisplayableElement() : nullptr;
+        if (current == nullptr) {
+            return;
+        }
+        if (blur) {
+            notifyEvent(visibleQueue, AGPIppCommand::ONBLUR);
+        }
+        current->pushRequestIndication();
+    };
+    // The element on show may be another tab's: it is told on that tab's queue thread.
+    if (visibleQueue == queue) {
+        indicate();
+    } else {
+        runOnQueue(visibleQueue, indicate);
+    }
+}
+
 void AGPGUIHandler::commandShowScreen(AGPIppScreen* screen, AGPQueueNumber queue, bool isBack,
                                       AGPMessage::MessageType type, bool bringToFront) {
     AGP_LOG(5, "commandShowScreen(toBeShown=%d, queueID=%d, isBack=%d) entered",
@@ -917,7 +1029,6 @@ void AGPGUIHandler::commandShowScreen(AGPIppScreen* screen, AGPQueueNumber queue
         cache.push_back(screenId);
     }
     AGPDisplayable* shown = screen->getDisplayableElement();
-    AGPDisplayable* current = getCurrentDisplayable();
     const AGPQueueNumber visibleQueue = getMessageQueueIdForCurrent();
 
     bool focusLater = false;
@@ -925,20 +1036,13 @@ void AGPGUIHandler::commandShowScreen(AGPIppScreen* screen, AGPQueueNumber queue
     case AGPMessage::UrlRequest_XML_push_active:
     case AGPMessage::UrlRequest_XML_push_queue:
     case AGPMessage::UrlRequest_XML_push_indicate:
-        if (current != nullptr) {
-            current->pushRequestIndication();
-        }
+        indicatePushTo(visibleQueue, queue, false);
         break;
     case AGPMessage::UrlRequest_XML_push_force:
         if (queue != visibleQueue) {
-            if (current != nullptr) {
-                notifyEvent(visibleQueue, AGPIppCommand::ONBLUR);
-            }
             focusLater = getCurrentScreen(queue) != nullptr;
         }
-        if (current != nullptr) {
-            current->pushRequestIndication();
-        }
+        indicatePushTo(visibleQueue, queue, queue != visibleQueue);
         break;
     default:
         break;
@@ -946,14 +1050,14 @@ void AGPGUIHandler::commandShowScreen(AGPIppScreen* screen, AGPQueueNumber queue
 
     AGPCommonBase* present = nullptr;
     if (queue == 0 || tabCount() == 1) {
-        present = mDisplay != nullptr ? elementOf(mDisplay->getCurrent()) : nullptr;
+        present = mDisplay != nullptr ? ownElementOf(mDisplay->getCurrentOwnerId(), queue) : nullptr;
     } else {
         present = lookUp(mQueueState[queue].popupPlayer);
         if (present == nullptr) {
             present = lookUp(mQueueState[queue].alert);
         }
         if (present == nullptr && mTabScreen != nullptr) {
-            present = elementOf(mTabScreen->getDisplayableForTabAtIndex(queueIdToTabIdx(queue)));
+            present = ownElementOf(mTabScreen->getOwnerIdForTabAtIndex(queueIdToTabIdx(queue)), queue);
         }
     }
     AGPIppScreen* previous = nullptr;
@@ -1069,8 +1173,8 @@ void AGPGUIHandler::commandShowScreenBack(AGPQueueNumber queue, bool bringToFron
 void AGPGUIHandler::commandShowScreenID(unsigned int screenID, AGPQueueNumber queue, bool bringToFront) {
     AGP_LOG(5, "commandShowScreenID: screen %i requested", static_cast<int>(screenID));
     if (mDisplay != nullptr) {
-        AGPCommonBase* shown = elementOf(mDisplay->getCurrent());
-        if (shown != nullptr && shown->getAGPObjectType() == AGPObjectTypeInfo::ti_IppAlert) {
+        AGPQueueNumber shownQueue = 0;
+        if (typeOfShown(&shownQueue) == AGPObjectTypeInfo::ti_IppAlert) {
             mTabSwitchOnPush = true;
         }
     }
@@ -1159,11 +1263,19 @@ void AGPGUIHandler::commandAlertBack(AGPQueueNumber queue, bool bringToFront) {
     if (tabCount() > 1) {
         releaseFocusLater(true);
         mDisplay->setCurrent(mTabScreen);
-    } else {
-        DisplayAPI::Displayable* remaining = removeFirstTabOutOfTabScreen();
-        mDisplay->setCurrent(remaining);
+        showAlertForQueueIfSet(getMessageQueueIdForCurrent(), bringToFront, mGUILock, queue);
+        return;
     }
-    showAlertForQueueIfSet(getMessageQueueIdForCurrent(), bringToFront, mGUILock);
+    // The one tab left is shown directly; what it shows is its own queue thread's to find.
+    const AGPQueueNumber left = getMessageQueueIdForCurrent();
+    runOnQueue(left, [this, left, bringToFront] {
+        DeferredFocus focus(*this);
+        CriticalSection lock(mGUILock);
+        if (tabCount() == 1 && mDisplay != nullptr) {
+            mDisplay->setCurrent(removeFirstTabOutOfTabScreen());
+            showAlertForQueueIfSet(left, bringToFront, mGUILock, left);
+        }
+    });
 }
 
 void AGPGUIHandler::closeTab(AGPQueueNumber queue) {
@@ -1181,12 +1293,20 @@ void AGPGUIHandler::closeTab(AGPQueueNumber queue) {
         mTabMap.erase(closed);
     }
     mTabScreen->removeTabAtIndex(closedIndex);
-    // A tab opened again later starts afresh: no popup, no way back into the closed one. Its
-    // cached screens stay until that queue trims them (one of them may be running this call).
+    // A tab opened again later starts afresh: no popup, no way back into the closed one.
     mQueueState[queue].alert = 0;
     mQueueState[queue].popupPlayer = 0;
     mQueueState[queue].currentScreen = 0;
     mQueueState[queue].history.clear();
+    // Its cached screens go once this call is over (one of them may be running it), unless the
+    // tab is open again by then.
+    runOnQueue(queue, [this, queue, closed] {
+        if (!hasTab(closed)) {
+            AGP_LOG(5, "closeTab: dropping the %d cached screens of closed tab %d",
+                    static_cast<int>(mQueueState[queue].cache.size()), closed);
+            trimCacheAndHistory(queue, 0);
+        }
+    });
 }
 
 void AGPGUIHandler::hidePopup(unsigned int screenID, AGPQueueNumber queue) {
@@ -1205,8 +1325,17 @@ void AGPGUIHandler::hidePopup(unsigned int screenID, AGPQueueNumber queue) {
     AGP_LOG(5, "There isn't Alert with screen ID: %d at tab : %d", static_cast<int>(screenID), queue);
 }
 
-void AGPGUIHandler::showAlertForQueueIfSet(AGPQueueNumber queue, bool bringToFront, Semaphore* heldLock) {
+void AGPGUIHandler::showAlertForQueueIfSet(AGPQueueNumber queue, bool bringToFront, Semaphore* heldLock,
+                                           AGPQueueNumber callerQueue) {
     if (!validQueue(queue) || mQueueState[queue].alert == 0) {
+        return;
+    }
+    if (callerQueue != queue) {
+        // Another tab's alert is shown by that tab's queue thread, which owns it.
+        runOnQueue(queue, [this, queue, bringToFront] {
+            DeferredFocus focus(*this);
+            showAlertForQueueIfSet(queue, bringToFront, nullptr, queue);
+        });
         return;
     }
     const AGPId id = mQueueState[queue].alert;

@@ -11,6 +11,7 @@
 #include "AGPDateTimeChangeListenerIfc.h"
 #include "AGPIppCommand.h"
 #include "AGPMessage.h"
+#include "AGPObjectTypeInfo.h"
 #include "AGPTypes.h"
 
 class AGPCommandListener;
@@ -51,6 +52,9 @@ public:
     bool startAGPGUIHandler(DisplayAPI::Display* display, PhoneletManagerIfc* phoneletManager);
     // Asks the platform to stop this phonelet; the stop itself comes later through the life cycle.
     void stopPhonelet();
+    // The life-cycle calls come on the host's thread, which never touches an element: what they
+    // need of one is done on the element's queue thread, so show (with the tab bar in use),
+    // tabStatusChange and tab finish after they return.
     void show();
     void hide();
     void tabStatusChange(bool active);
@@ -80,8 +84,10 @@ public:
     virtual void commandShowScreenID(unsigned int screenID, AGPQueueNumber queue, bool bringToFront);
     void commandAlertBack(AGPQueueNumber queue, bool bringToFront);
     void hidePopup(unsigned int screenID, AGPQueueNumber queue);
-    // `heldLock`, when given, is held by the caller and is given up while the alert is shown.
-    void showAlertForQueueIfSet(AGPQueueNumber queue, bool bringToFront, Semaphore* heldLock);
+    // `heldLock`, when given, is held by the caller and is given up while the alert is shown. A
+    // caller on another queue's thread (`callerQueue`) leaves the showing to `queue`'s thread.
+    void showAlertForQueueIfSet(AGPQueueNumber queue, bool bringToFront, Semaphore* heldLock,
+                                AGPQueueNumber callerQueue);
 
     virtual void showDisplayableForm(DisplayAPI::Form* widget, AGPQueueNumber queue,
                                      AGPMessage::MessageType type, bool bringToFront);
@@ -114,13 +120,15 @@ public:
     void notifyEventOnQueue(AGPQueueNumber queue, AGPIppCommand::AGPEvent event);
     // Runs `work` on `queue`'s thread, the only one that may use that queue's elements.
     void runOnQueue(AGPQueueNumber queue, std::function<void()> work);
+    // Each shown element is told on its own queue's thread, later.
     void setSelectionHighlight(bool on);
-    void setSelectionHighlightForDisplayable(DisplayAPI::Displayable* widget, bool on);
-    bool checkContextMenu();
-    bool agpDisplayableIsCurrentAndUnobscured(AGPDisplayable* element, DisplayAPI::Displayable* widget);
+    // On `element`'s queue thread.
+    bool agpDisplayableIsCurrentAndUnobscured(AGPDisplayable* element);
 
     void setCurrentDisplayableForTabAtIndexInternal(AGPQueueNumber queue, DisplayAPI::Displayable* widget,
                                                     AGPMessage::MessageType type, bool bringToFront);
+    // Moves what the first tab showed on its own into its tab, on that tab's queue thread (later,
+    // when `queue` is another).
     void pullFirstTabDisplayableIntoTabScreen(AGPQueueNumber queue, bool bringToFront);
     DisplayAPI::Displayable* removeFirstTabOutOfTabScreen();
 
@@ -186,15 +194,38 @@ private:
     // Called with the GUI lock held; gives it back while it waits for the previous screen.
     void showPopupForced(DisplayAPI::Displayable* widget, AGPQueueNumber queue, bool isAlert,
                          bool bringToFront);
+    // The move itself, on the first tab's queue thread (`queue`); `showItsAlert` when that tab has
+    // an alert waiting.
+    void pullFirstTabOfQueue(AGPQueueNumber queue, bool showItsAlert, bool bringToFront);
     // After a tab switch, on the new tab's queue thread: its popup again, or its screen's focus.
     void focusTabQueue(AGPQueueNumber next);
     void selectTabOfQueue(AGPQueueNumber queue);
     bool isCurrentTabQueue(AGPQueueNumber queue);
     void closeTab(AGPQueueNumber queue);
     void clearQueueSlots(AGPQueueNumber queue);
-    AGPCommonBase* elementOf(DisplayAPI::Displayable* widget);
-    // The widget that the focus logic looks at: the current tab's with two or more tabs.
-    DisplayAPI::Displayable* currentWidget(AGPQueueNumber* queue);
+    // Ends show() once it is known whether a context menu is open; nothing if hidden meanwhile.
+    void showNow(bool contextMenuOpen);
+    // The identifier of the element the focus logic looks at, and its queue (0 for none): the
+    // current tab's with two or more tabs, else the display's. Safe on any thread.
+    AGPId currentOwner(AGPQueueNumber* queue);
+    // Runs `use` on `queue`'s thread with element `id`, or with null if it is gone by then.
+    void useOnQueue(AGPId id, AGPQueueNumber queue, std::function<void(AGPCommonBase*)> use);
+    // Whether `element`'s own widget (not one of its popups) is what its queue shows now.
+    bool showsOwnWidget(AGPDisplayable* element);
+    void setSelectionHighlightOf(AGPDisplayable* element, bool on);
+    // The rest of tabStatusChange(false), on the queue thread of `object` (null: none shown).
+    void focusLeftTabBar(AGPCommonBase* object, AGPQueueNumber queue);
+    // A tab switch is decided on the current tab's queue thread; when another tab came to the
+    // front meanwhile, it moves on to that tab's queue, a bounded number of times.
+    void switchTabOnQueue(AGPQueueNumber queue, int direction, int hops);
+    void switchTab(AGPQueueNumber queue, int direction, int hops);
+    // Tells the element on show in `visibleQueue` (first with ONBLUR when `blur`) that a push
+    // for `queue` arrived, on `visibleQueue`'s thread.
+    void indicatePushTo(AGPQueueNumber visibleQueue, AGPQueueNumber queue, bool blur);
+    // The element `owner` when it is `queue`'s own, for `queue`'s thread; else null.
+    AGPCommonBase* ownElementOf(AGPId owner, AGPQueueNumber queue);
+    // The type (ti_NoType for none) and queue of what the display shows, asked by identifier.
+    AGPObjectTypeInfo::AGPObjectType typeOfShown(AGPQueueNumber* queue);
     bool validQueue(AGPQueueNumber queue) const { return queue >= 0 && queue < QUEUE_COUNT; }
     size_t tabCount() const;
     bool hasTab(AGPTab tab) const;
@@ -224,6 +255,8 @@ private:
     std::atomic<bool> mFirstTabPulled;
     std::atomic<bool> mTabSwitchOnPush;
     std::atomic<bool> mShown;
+    // Orders hide() against the end of a show() that waited for a queue thread.
+    std::recursive_mutex mShowLock;
     std::vector<DisplayAPI::Displayable*> mTabPlaceholders;
     // What the handler keeps per queue. Identifiers rather than pointers: the queue's thread may
     // destroy any screen at any time. The slots are written by the queue's thread and read by

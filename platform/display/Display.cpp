@@ -118,6 +118,13 @@ Displayable* Display::getCurrent() const {
     return shownPopup != nullptr ? shownPopup : screen();
 }
 
+unsigned long Display::getCurrentOwnerId() const {
+    core::Lock lock(core::mutex());
+    Displayable* shownPopup = popup();
+    Displayable* shown = shownPopup != nullptr ? shownPopup : screen();
+    return shown != nullptr ? shown->getOwnerId() : 0;
+}
+
 int Display::hasSoftKeyBar() const {
     return mModel.softKeyBar ? 1 : 0;
 }

@@ -49,6 +49,9 @@ public:
     void setCurrent(Displayable* displayable);
     // The popup if one is up, else the screen (possibly a TabScreen), else null.
     Displayable* getCurrent() const;
+    // The owner identifier of what getCurrent() gives (0 for none), read in one step: another
+    // thread may delete that widget as soon as getCurrent() returns.
+    unsigned long getCurrentOwnerId() const;
     // 1 with a soft-key bar, 0 without.
     int hasSoftKeyBar() const;
     // Whether `displayable` gets the keys now: current and not covered by a popup; inside a tab

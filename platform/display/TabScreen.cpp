@@ -51,6 +51,13 @@ Displayable* TabScreen::getDisplayableForTabAtIndex(int index) const {
     return validIndex(index) ? mTabs[static_cast<std::size_t>(index)].displayable.get() : nullptr;
 }
 
+unsigned long TabScreen::getOwnerIdForTabAtIndex(int index) const {
+    core::Lock lock(core::mutex());
+    Displayable* shown =
+        validIndex(index) ? mTabs[static_cast<std::size_t>(index)].displayable.get() : nullptr;
+    return shown != nullptr ? shown->getOwnerId() : 0;
+}
+
 void TabScreen::setCurrentDisplayableForTabAtIndex(int index, Displayable* displayable) {
     core::Lock lock(core::mutex());
     if (validIndex(index)) {

@@ -28,6 +28,9 @@ public:
     int getCurrentTabIndex() const;
     void setCurrentTabIndex(int index);
     Displayable* getDisplayableForTabAtIndex(int index) const;
+    // The owner identifier of that widget (0 for none), read in one step, for threads that may
+    // not keep the widget itself.
+    unsigned long getOwnerIdForTabAtIndex(int index) const;
     void setCurrentDisplayableForTabAtIndex(int index, Displayable* displayable);
     // The widget of the current tab, or null.
     Displayable* currentTab() const;

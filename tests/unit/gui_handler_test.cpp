@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <future>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -129,6 +130,21 @@ protected:
         EXPECT_TRUE(install(root, queue, validity));
         AGPIppScreen* shown = gui->getCurrentScreen(queue);
         return shown != nullptr ? shown->getAGPObjectID() : 0;
+    }
+    // Tabbing, and whatever one tab does to another's screens, finishes on the queue threads:
+    // each round lets every queue finish what the round before started there.
+    void tab(int direction) {
+        gui->tab(direction);
+        settle();
+    }
+    void settle() {
+        for (int round = 0; round < 3; ++round) {
+            for (AGPQueueNumber queue = 0; queue < AGPGUIHandler::QUEUE_COUNT; ++queue) {
+                std::promise<void> done;
+                gui->runOnQueue(queue, [&done] { done.set_value(); });
+                done.get_future().wait();
+            }
+        }
     }
     std::string title(const char* part) {
         nlohmann::json snapshot = display->snapshot();
@@ -277,17 +293,18 @@ TEST_F(GUIHandlerTest, TabsShareTheDisplayOnceASecondTabExists) {
     ASSERT_TRUE(gui->initTabScreen(1, nullptr));
     EXPECT_EQ(display->snapshot()["tabBar"]["labels"].size(), 2u) << "the second tab brings the tab screen";
     installList(2, 2);
+    settle();
     snapshot = display->snapshot();
     EXPECT_EQ(snapshot["tabBar"]["current"], 0);
     EXPECT_EQ(title("screen"), "screen 1") << "the first tab's screen was pulled into its tab";
-    gui->tab(1);
+    tab(1);
     EXPECT_EQ(title("screen"), "screen 2");
     EXPECT_EQ(gui->getMessageQueueIdForCurrent(), 2);
 
     installList(3, 2, AGPServerConnection::CACHE_TIMEVALID_FOREVER, "", kAlert);
     EXPECT_EQ(title("popup"), "screen 3");
     EXPECT_NE(gui->getAlertId(2), 0u);
-    gui->tab(1);
+    tab(1);
     EXPECT_TRUE(
         log.contains("AGPGUIHandler", 5, "AGPGUIHandler::tab() Alert or Player displayed, disable tabbing"));
     EXPECT_EQ(display->snapshot()["tabBar"]["current"], 1);
@@ -295,7 +312,7 @@ TEST_F(GUIHandlerTest, TabsShareTheDisplayOnceASecondTabExists) {
     gui->commandAlertBack(2, true);
     EXPECT_EQ(gui->getAlertId(2), 0u);
     EXPECT_EQ(title("screen"), "screen 2");
-    gui->tab(-1);
+    tab(-1);
     EXPECT_EQ(title("screen"), "screen 1");
 }
 
@@ -327,6 +344,8 @@ TEST_F(GUIHandlerTest, LeavingTheOnlyAlertOfATabClosesTheTab) {
     EXPECT_EQ(display->snapshot()["tabBar"]["labels"].size(), 2u);
     EXPECT_EQ(gui->getAlertId(2), 0u);
     EXPECT_EQ(gui->getCurrentScreen(2), nullptr);
-    gui->tab(1);
+    tab(1);
     EXPECT_EQ(title("screen"), "screen 3");
+    EXPECT_TRUE(gui->getCache(2).empty()) << "the closed tab's cached screens are dropped";
+    EXPECT_FALSE(gui->getCache(3).empty());
 }
