@@ -157,6 +157,12 @@ bool AGPXMLParser::parseWhole(std::string& data) {
 
 void AGPXMLParser::xmlStartElement(void* statePointer, const char* name, const char** attributes) {
     AGPXMLParseState& state = *static_cast<AGPXMLParseState*>(statePointer);
+    // A stop must not wait for the rest of a large document.
+    if ((++state.mElementsBegun & 1023u) == 0 && AGPPhoneletManager::isPhoneletShuttingDown()) {
+        AGP_LOG(5, "Parse abandoned after %u elements: the phonelet is stopping", state.mElementsBegun);
+        XML_StopParser(mXMLParser, XML_FALSE);
+        return;
+    }
     if (state.mLevel > state.mRecoveryLevel) {
         AGP_LOG(5, "Start element [%s] ignored due to recovery reason (level %d)", name, state.mLevel);
         ++state.mLevel;

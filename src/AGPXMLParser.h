@@ -19,6 +19,8 @@ struct AGPXMLParseState {
     // For each created element that is open, innermost last: whether its parent accepted it.
     // A refused element is in no child list, so the parser deletes it itself when it ends.
     std::vector<bool> mAccepted;
+    // Elements begun so far; every so many, the parse asks whether the phonelet is stopping.
+    unsigned int mElementsBegun = 0;
 };
 
 class AGPXMLParser {
