@@ -31,14 +31,16 @@ bench: deps
 fuzz: deps
 	@scripts/install-deps fuzz
 	cmake --preset fuzz
-	cmake --build --preset fuzz --target fuzz_parser fuzz_text_helpers fuzz_screens
-	mkdir -p fuzz/findings build/fuzz/fuzz/corpus build/fuzz/fuzz/corpus-text build/fuzz/fuzz/corpus-screens
+	cmake --build --preset fuzz --target fuzz_parser fuzz_text_helpers fuzz_screens fuzz_control_api
+	mkdir -p fuzz/findings build/fuzz/fuzz/corpus build/fuzz/fuzz/corpus-text build/fuzz/fuzz/corpus-screens build/fuzz/fuzz/corpus-control
 	build/fuzz/fuzz/fuzz_parser -max_total_time=$${FUZZ_SECONDS:-60} -max_len=65536 -dict=fuzz/agp.dict \
 	    -artifact_prefix=fuzz/findings/ build/fuzz/fuzz/corpus fuzz/corpus
 	build/fuzz/fuzz/fuzz_text_helpers -max_total_time=$${FUZZ_SECONDS:-60} -max_len=4096 \
 	    -artifact_prefix=fuzz/findings/ build/fuzz/fuzz/corpus-text fuzz/corpus-text
 	build/fuzz/fuzz/fuzz_screens -max_total_time=$${FUZZ_SECONDS:-60} -max_len=65536 -dict=fuzz/agp.dict \
 	    -timeout=60 -artifact_prefix=fuzz/findings/ build/fuzz/fuzz/corpus-screens fuzz/corpus
+	build/fuzz/fuzz/fuzz_control_api -max_total_time=$${FUZZ_SECONDS:-60} -max_len=4096 \
+	    -artifact_prefix=fuzz/findings/ build/fuzz/fuzz/corpus-control fuzz/corpus-control
 
 # Ten thousand random keys and ten thousand pushes on 8 connections at once against
 # agp-phone --demo, in the release build and under AddressSanitizer: no crash, every answer as
