@@ -1,5 +1,6 @@
 // agp-phone: the emulated desk phone that runs the XML application browser plug-in.
 #include <limits.h>
+#include <malloc.h>
 #include <signal.h>
 #include <unistd.h>
 
@@ -103,11 +104,19 @@ int fail(int status, const std::string& message) {
 }
 
 // Waits for SIGINT or SIGTERM, the control API's quit, or the phonelet to stop by itself (exit).
+// Between checks, memory freed since the screen last changed goes back to the system: a large
+// document leaves its freed pages inside the heap otherwise, for as long as the program runs.
 void runUntilStopped(EmulatedPhone& phone, const ControlApi& control, const sigset_t& signals) {
     const timespec interval{0, 200 * 1000 * 1000};
+    std::uint64_t trimmedAt = phone.display().revision();
     while (phone.isRunning() && !control.quitRequested()) {
         if (sigtimedwait(&signals, nullptr, &interval) > 0) {
             return;
+        }
+        const std::uint64_t revision = phone.display().revision();
+        if (revision != trimmedAt) {
+            trimmedAt = revision;
+            malloc_trim(0);
         }
     }
 }
