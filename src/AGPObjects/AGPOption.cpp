@@ -28,9 +28,8 @@ namespace {} // namespace
 AGPOption::AGPOption()
     : mOptionTextCount(1, 3), mImageCount(0, 1), mID(0), mSelected(SELECTED_NOT_GIVEN), mSelectedGiven(false),
       mKey(new AGPKey("null")), mKeyGiven(false), mValue(new AGPValue("")), mValueGiven(false),
-      mFColor(new AGPFColor()), mTColor(new AGPTColor()), mSFColor(new AGPSFColor()),
-      mSTColor(new AGPSTColor()), mListItem(nullptr), mListItemTaken(false), mImage(nullptr), mGray(false),
-      mParentType(AGPObjectTypeInfo::ti_NoType) {
+      mFColor(nullptr), mTColor(nullptr), mSFColor(nullptr), mSTColor(nullptr), mListItem(nullptr),
+      mListItemTaken(false), mImage(nullptr), mGray(false), mParentType(AGPObjectTypeInfo::ti_NoType) {
     registerElement();
 }
 

@@ -66,6 +66,8 @@ public:
     void setAGPSelected(AGPSelected selected) { mSelected = selected; }
     AGPKey* getAGPKey() const { return mKey; }
     AGPValue* getAGPValue() const { return mValue; }
+    // The colours are made only when the document gives them (null otherwise): a list of
+    // thousands of options would otherwise carry four default colour objects an option.
     AGPFColor* getAGPFColor() const { return mFColor; }
     AGPTColor* getAGPTColor() const { return mTColor; }
     AGPSFColor* getAGPSFColor() const { return mSFColor; }
