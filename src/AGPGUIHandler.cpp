@@ -595,10 +595,10 @@ bool AGPGUIHandler::initTabScreen(AGPTab tab, Translator* translator) {
     }
     const bool initialised = initTab(tab, translator);
     if (initialised && tabCount() == 2 && mDisplay != nullptr) {
-        mDisplay->setCurrent(mTabScreen);
         // The first tab keeps showing its screen: its widget moves into the tab screen now, not
-        // when the new tab's document arrives (which may be never).
-        pullFirstTabDisplayableIntoTabScreen(tab + 1, true);
+        // when the new tab's document arrives (which may be never), and the tab screen is shown
+        // with it.
+        pullFirstTabDisplayableIntoTabScreen(tab + 1, true, true);
     }
     return initialised;
 }
@@ -717,8 +717,15 @@ void AGPGUIHandler::setCurrentDisplayableForTabAtIndexInternal(AGPQueueNumber qu
     }
 }
 
-void AGPGUIHandler::pullFirstTabDisplayableIntoTabScreen(AGPQueueNumber queue, bool bringToFront) {
+void AGPGUIHandler::pullFirstTabDisplayableIntoTabScreen(AGPQueueNumber queue, bool bringToFront,
+                                                         bool showTabScreen) {
+    const auto showTabs = [this, showTabScreen] {
+        if (showTabScreen && mDisplay != nullptr && mTabScreen != nullptr) {
+            mDisplay->setCurrent(mTabScreen);
+        }
+    };
     if (tabCount() == 0 || mFirstTabPulled || mTabScreen == nullptr) {
+        showTabs();
         return;
     }
     AGPObjectMap* map = AGPPhoneletManager::findAGPObjectMap();
@@ -727,13 +734,15 @@ void AGPGUIHandler::pullFirstTabDisplayableIntoTabScreen(AGPQueueNumber queue, b
     if (firstId != 0 && map != nullptr && map->getQueueOf(firstId, firstQueue) && firstQueue != queue &&
         validQueue(firstQueue)) {
         // The first tab's screen belongs to its own queue thread, which moves it.
-        runOnQueue(firstQueue, [this, firstQueue, bringToFront] {
+        runOnQueue(firstQueue, [this, firstQueue, bringToFront, showTabs] {
             DeferredFocus focus(*this);
             CriticalSection lock(mGUILock);
+            showTabs();
             pullFirstTabOfQueue(firstQueue, true, bringToFront);
         });
         return;
     }
+    showTabs();
     pullFirstTabOfQueue(queue, false, bringToFront);
 }
 

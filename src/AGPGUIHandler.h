@@ -128,8 +128,9 @@ public:
     void setCurrentDisplayableForTabAtIndexInternal(AGPQueueNumber queue, DisplayAPI::Displayable* widget,
                                                     AGPMessage::MessageType type, bool bringToFront);
     // Moves what the first tab showed on its own into its tab, on that tab's queue thread (later,
-    // when `queue` is another).
-    void pullFirstTabDisplayableIntoTabScreen(AGPQueueNumber queue, bool bringToFront);
+    // when `queue` is another); with `showTabScreen` the display shows the tab screen from then on.
+    void pullFirstTabDisplayableIntoTabScreen(AGPQueueNumber queue, bool bringToFront,
+                                              bool showTabScreen = false);
     DisplayAPI::Displayable* removeFirstTabOutOfTabScreen();
 
     void addFocusListener(AGPPhoneletFocusListenerIfc* listener);

@@ -27,9 +27,9 @@ namespace {} // namespace
 
 AGPOption::AGPOption()
     : mOptionTextCount(1, 3), mImageCount(0, 1), mID(0), mSelected(SELECTED_NOT_GIVEN), mSelectedGiven(false),
-      mKey(new AGPKey("null")), mKeyGiven(false), mValue(new AGPValue("")), mValueGiven(false),
-      mFColor(nullptr), mTColor(nullptr), mSFColor(nullptr), mSTColor(nullptr), mListItem(nullptr),
-      mListItemTaken(false), mImage(nullptr), mGray(false), mParentType(AGPObjectTypeInfo::ti_NoType) {
+      mKey(nullptr), mKeyGiven(false), mValue(nullptr), mValueGiven(false), mFColor(nullptr),
+      mTColor(nullptr), mSFColor(nullptr), mSTColor(nullptr), mListItem(nullptr), mListItemTaken(false),
+      mImage(nullptr), mGray(false), mParentType(AGPObjectTypeInfo::ti_NoType) {
     registerElement();
 }
 
@@ -244,6 +244,20 @@ void AGPOption::imageDownloaded(unsigned long agpId) {
     }
 }
 
+AGPKey* AGPOption::getAGPKey() {
+    if (mKey == nullptr) {
+        mKey = new AGPKey("null");
+    }
+    return mKey;
+}
+
+AGPValue* AGPOption::getAGPValue() {
+    if (mValue == nullptr) {
+        mValue = new AGPValue("");
+    }
+    return mValue;
+}
+
 void AGPOption::gatherKeyValues(std::multimap<std::string, std::string>& keyValues) {
-    keyValues.insert(std::make_pair(mKey->getValueText(), mValue->getValueText()));
+    keyValues.insert(std::make_pair(getAGPKey()->getValueText(), getAGPValue()->getValueText()));
 }

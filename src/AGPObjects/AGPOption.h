@@ -64,8 +64,10 @@ public:
     void setAGPID(std::uint32_t id) { mID = id; }
     AGPSelected getAGPSelected() const { return mSelected; }
     void setAGPSelected(AGPSelected selected) { mSelected = selected; }
-    AGPKey* getAGPKey() const { return mKey; }
-    AGPValue* getAGPValue() const { return mValue; }
+    // Key "null" and value "" unless the document gives them; made when first asked for, so that
+    // an option given both never makes the defaults.
+    AGPKey* getAGPKey();
+    AGPValue* getAGPValue();
     // The colours are made only when the document gives them (null otherwise): a list of
     // thousands of options would otherwise carry four default colour objects an option.
     AGPFColor* getAGPFColor() const { return mFColor; }

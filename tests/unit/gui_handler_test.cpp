@@ -291,6 +291,7 @@ TEST_F(GUIHandlerTest, TabsShareTheDisplayOnceASecondTabExists) {
     EXPECT_EQ(title("screen"), "screen 1");
 
     ASSERT_TRUE(gui->initTabScreen(1, nullptr));
+    settle();
     EXPECT_EQ(display->snapshot()["tabBar"]["labels"].size(), 2u) << "the second tab brings the tab screen";
     installList(2, 2);
     settle();
