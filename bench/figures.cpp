@@ -16,17 +16,22 @@
 #include <fstream>
 #include <functional>
 #include <mutex>
+#include <nlohmann/json.hpp>
 #include <regex>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "AGPCommonBase.h"
+#include "AGPGUIHandler.h"
+#include "AGPMessageQueueHandler.h"
 #include "AGPObjectMap.h"
 #include "AGPObjectPool.h"
 #include "AGPPhoneletManager.h"
 #include "AGPXMLParser.h"
 #include "PhoneJournal.h"
+#include "display/Display.h"
+#include "events/EventLoop.h"
 
 extern char** environ;
 
@@ -197,7 +202,90 @@ void parsingFigures() {
     AGPPhoneletManager::shutdownPhonelet();
 }
 
+// ---- Install and show in this process ----
+
+// Five screens of a form with 50 items each (text fields and string items), and their commands.
+std::string formDocument() {
+    std::string xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<IppDisplay>\n";
+    for (int screen = 1; screen <= 5; ++screen) {
+        xml += "<IppScreen ID=\"" + std::to_string(screen) +
+               "\" CommandCount=\"2\">\n<IppForm ItemCount=\"50\">"
+               "<Title>Form " +
+               std::to_string(screen) + "</Title><Url>http://server.example/app/form</Url>\n";
+        for (int item = 0; item < 50; ++item) {
+            const std::string n = std::to_string(item);
+            xml += item % 2 == 0 ? "<IppTextField Key=\"field" + n +
+                                       "\" Constraint=\"ANY\" MaxSize=\"20\" "
+                                       "Default=\"TEXT\"><Label>Field " +
+                                       n + "</Label><Text>Value " + n + "</Text></IppTextField>\n"
+                                 : "<IppStringItem><Label>Item " + n + "</Label><Text>Text of item " + n +
+                                       "</Text></IppStringItem>\n";
+        }
+        xml += "</IppForm>\n<IppCommand Type=\"SELECT\" Priority=\"0\"><Label>Send</Label></IppCommand>"
+               "<IppCommand Type=\"BACK\" Priority=\"1\"><Label>Back</Label></IppCommand>\n</IppScreen>\n";
+    }
+    return xml + "</IppDisplay>\n";
+}
+
+// Parse, build, and install on queue 0 with the first screen shown on a real display (widgets
+// made, the display's event loop run to the end); the screens it replaces in the cache are
+// deleted within the time, as on the phone.
+double installAndShowMicros(AGPGUIHandler& gui, DisplayAPI::Display& display, const std::string& xml) {
+    std::string copy = xml;
+    AGPCommonBase* root = nullptr;
+    const auto start = Clock::now();
+    AGPPhoneletManager::getAGPXMLParser()->parseXMLData(copy, root);
+    if (!gui.processXmlTreeObject(root, 0, AGPMessage::UrlRequest_XML, "http://server.example/app/form", 0,
+                                  true) &&
+        root != nullptr) {
+        AGPPhoneletManager::getAGPObjectMap()->removeAGPObjectTree(root->getAGPObjectID());
+    }
+    display.waitUntilSettled();
+    return microsSince(start);
+}
+
+void installAndShowFigures() {
+    AGPObjectPool::initPool();
+    EventLoop loop;
+    DisplayAPI::Display display(loop, DisplayAPI::DisplayModel());
+    AGPPhoneletManager::getAGPServerConnection();
+    AGPPhoneletManager::getAGPXMLParser();
+    AGPGUIHandler* gui = AGPPhoneletManager::getAGPGUIHandler();
+    if (!AGPPhoneletManager::getAGPMessageQueueHandler()->startAGPMessageQueueHandler(4) ||
+        !gui->startAGPGUIHandler(&display, nullptr)) {
+        std::fprintf(stderr, "the GUI handler did not start\n");
+        AGPPhoneletManager::shutdownPhonelet();
+        return;
+    }
+    gui->show();
+    const std::string form = formDocument();
+    std::vector<double> phonelet;
+    std::vector<double> expat;
+    installAndShowMicros(*gui, display, form);
+    for (int round = 0; round < 100; ++round) {
+        phonelet.push_back(installAndShowMicros(*gui, display, form));
+        expat.push_back(bareExpatMicros(form));
+    }
+    record("install_show_form_5x50", "us", median(phonelet), median(expat), 3.0);
+    AGPPhoneletManager::shutdownPhonelet();
+    display.waitUntilSettled();
+}
+
 // ---- agp-phone as shipped ----
+
+// One screen of a 50-item form, screen ID `id`: every document a new screen for the cache.
+std::string formScreen(int id) {
+    std::string xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<IppDisplay><IppScreen ID=\"" +
+                      std::to_string(id) + "\"><IppForm ItemCount=\"50\"><Title>Form " + std::to_string(id) +
+                      "</Title><Url>http://server.example/app/form</Url>\n";
+    for (int item = 0; item < 50; ++item) {
+        const std::string n = std::to_string(item);
+        xml += "<IppTextField Key=\"field" + n +
+               "\" Constraint=\"ANY\" MaxSize=\"20\" Default=\"TEXT\"><Label>Field " + n +
+               "</Label><Text>Value " + n + "</Text></IppTextField>\n";
+    }
+    return xml + "</IppForm></IppScreen></IppDisplay>\n";
+}
 
 // Serves lists whose title counts the requests; each option asks for the next list.
 class ListServer {
@@ -235,7 +323,8 @@ private:
 // agp-phone started against the server, with its control API on a free port.
 class PhoneProcess {
 public:
-    PhoneProcess(int serverPort, const std::string& name) {
+    // `extra` arguments come after the usual ones (a later --config adds to --url's entry).
+    PhoneProcess(int serverPort, const std::string& name, const std::vector<std::string>& extra = {}) {
         int fds[2];
         if (pipe(fds) != 0) {
             return;
@@ -249,6 +338,7 @@ public:
             "--app",        name,     "--push",
             "off",          "--http", "127.0.0.1:0",
             "--headless"};
+        arguments.insert(arguments.end(), extra.begin(), extra.end());
         std::vector<char*> argv;
         for (std::string& argument : arguments) {
             argv.push_back(&argument[0]);
@@ -450,9 +540,60 @@ void processFigures() {
     record("resident_growth_60_documents_1mb", "MB", after - before, NAN, 20.0);
 }
 
+// Three tabs, each sent 20 documents of one new 50-item screen by active pushes: 60 screens in
+// the caches, against the same phone idle with its three first screens.
+void threeTabFigure() {
+    httplib::Server server;
+    std::atomic<int> pushedServed{0};
+    server.set_tcp_nodelay(true);
+    server.Get(".*", [&pushedServed](const httplib::Request& request, httplib::Response& response) {
+        const std::string n = request.get_param_value("n");
+        pushedServed += n.empty() ? 0 : 1;
+        response.set_content(formScreen(n.empty() ? 1 : std::stoi(n)), "text/xml");
+    });
+    const int port = server.bind_to_any_port("127.0.0.1");
+    std::thread listener([&server] { server.listen_after_bind(); });
+    const std::string name = "Figures-tabs-" + std::to_string(getpid());
+    const std::string config = "/tmp/" + name + ".conf";
+    {
+        std::ofstream file(config);
+        file << "num-tabs-1=3\napp-all-tabs-start-1=true\ntab1-app-name-1=one\ntab2-app-name-1=two\n"
+                "tab3-app-name-1=three\n";
+    }
+    {
+        PhoneProcess phone(port, name, {"--config", config});
+        httplib::Client api("127.0.0.1", phone.controlPort());
+        api.set_read_timeout(70);
+        const auto idle = [&api] { api.Get("/api/idle?timeout=60000"); };
+        idle();
+        std::this_thread::sleep_for(std::chrono::milliseconds(500));
+        const double before = static_cast<double>(phone.residentKb()) / 1024.0;
+        int id = 100;
+        for (const char* tab : {"one", "two", "three"}) {
+            for (int document = 0; document < 20; ++document) {
+                const std::string data = "ServerAddr=127.0.0.1&ServerPort=" + std::to_string(port) +
+                                         "&ProgramName=form%3Fn%3D" + std::to_string(++id) +
+                                         "&Application=" + tab;
+                api.Post("/api/push", nlohmann::json({{"data", data}, {"type", "active"}}).dump(),
+                         "application/json");
+                idle();
+            }
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(500));
+        const double after = static_cast<double>(phone.residentKb()) / 1024.0;
+        if (pushedServed != 60) {
+            std::fprintf(stderr, "only %d of the 60 pushed documents were fetched\n", pushedServed.load());
+        }
+        record("resident_3_tabs_20_screens_50_items", "MB", after - before, NAN, 15.0);
+    }
+    std::remove(config.c_str());
+    server.stop();
+    listener.join();
+}
+
 } // namespace
 
-// Arguments name the groups to measure (parsing, keys, process); none measures all.
+// Arguments name the groups to measure (parsing, install, keys, process); none measures all.
 int main(int argc, char** argv) {
     signal(SIGPIPE, SIG_IGN);
     const std::vector<std::string> groups(argv + 1, argv + argc);
@@ -462,12 +603,16 @@ int main(int argc, char** argv) {
     if (wanted("parsing")) {
         parsingFigures();
     }
+    if (wanted("install")) {
+        installAndShowFigures();
+    }
     if (wanted("keys")) {
         keyPressFigures("key_press_list_10", 10, 300, 1.0, 5.0);
         keyPressFigures("key_press_list_500", 500, 100, 5.0, NAN);
     }
     if (wanted("process")) {
         processFigures();
+        threeTabFigure();
     }
     printTable();
     return 0;
