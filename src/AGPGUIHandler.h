@@ -256,7 +256,9 @@ private:
     std::atomic<bool> mFirstTabPulled;
     std::atomic<bool> mTabSwitchOnPush;
     std::atomic<bool> mShown;
-    // Orders hide() against the end of a show() that waited for a queue thread.
+    // Orders hide() against the end of a show() that waited for a queue thread. Taken before
+    // the GUI lock and the keys handler's lock (the focus listeners): nothing holding either may
+    // call show or hide.
     std::recursive_mutex mShowLock;
     std::vector<DisplayAPI::Displayable*> mTabPlaceholders;
     // What the handler keeps per queue. Identifiers rather than pointers: the queue's thread may
