@@ -215,7 +215,11 @@ void AGPMessageQueue::processDocumentRequest(AGPMessage& msg) {
         }
     } else if (data != nullptr && size > 0) {
         std::string document(data, size);
-        if (trace != nullptr) {
+        // One copy of the body at a time: a large document would otherwise be held twice while
+        // it is parsed, and a third time for a trace nobody asked for.
+        delete[] data;
+        data = nullptr;
+        if (trace != nullptr && trace->isEnabled()) {
             trace->remoteTrace("Phone received XML data:\n\n" + document);
         }
         processReceivedDocument(msg, document, headers);

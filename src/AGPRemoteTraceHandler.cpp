@@ -22,9 +22,13 @@ bool AGPRemoteTraceHandler::startRemoteTraceHandler(ClockServiceIfc* clock) {
     return true;
 }
 
-void AGPRemoteTraceHandler::remoteTrace(const std::string& url, const std::string& text) {
+bool AGPRemoteTraceHandler::isEnabled() const {
     AGPDataObserver* configuration = AGPPhoneletManager::findAGPDataObserver();
-    if (configuration == nullptr || !configuration->isRemoteDebugEnabled()) {
+    return configuration != nullptr && configuration->isRemoteDebugEnabled();
+}
+
+void AGPRemoteTraceHandler::remoteTrace(const std::string& url, const std::string& text) {
+    if (!isEnabled()) {
         return;
     }
     AGPServerConnection* connection = AGPPhoneletManager::findAGPServerConnection();
@@ -44,7 +48,7 @@ void AGPRemoteTraceHandler::remoteTrace(const std::string& url, const std::strin
 
 void AGPRemoteTraceHandler::remoteTrace(const std::string& text) {
     AGPPhonelet* phonelet = AGPPhoneletManager::getAGPPhonelet();
-    if (phonelet != nullptr) {
+    if (phonelet != nullptr && isEnabled()) {
         remoteTrace(phonelet->getApplicationURL(AGPPhonelet::REMOTE_TRACE_URL, "", "", ""), text);
     }
 }

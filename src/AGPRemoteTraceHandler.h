@@ -15,6 +15,8 @@ public:
     void remoteTrace(const std::string& url, const std::string& text);
     // Posts `text` to the application's remote-trace URL.
     void remoteTrace(const std::string& text);
+    // Whether remote debugging is "Enabled": callers check it before building a large text.
+    bool isEnabled() const;
 
 private:
     ClockServiceIfc* mClockService = nullptr;
