@@ -8,18 +8,17 @@
 
 #include "AGPCommonBase.h"
 
-AGPObjectMap::AGPObjectMap() : mNextAGPId(1), mLock(new Semaphore(1, 1, true)) {
+AGPObjectMap::AGPObjectMap() : mNextAGPId(1) {
     // A document of a few thousand elements registers without rehashing.
     mObjects.reserve(4096);
 }
 
 AGPObjectMap::~AGPObjectMap() {
     clearMap();
-    delete mLock;
 }
 
 AGPId AGPObjectMap::addAGPObject(AGPCommonBase* element) {
-    CriticalSection lock(mLock);
+    const Lock lock(mLock);
     if (mObjects.count(mNextAGPId) != 0) {
         // Only after the counter went round: identifiers from the first round may still live.
         mNextAGPId = lowestFreeId();
@@ -61,7 +60,7 @@ void AGPObjectMap::countLocked(AGPObjectTypeInfo::AGPObjectType type, int change
 }
 
 void AGPObjectMap::setNextIdForTesting(AGPId id) {
-    CriticalSection lock(mLock);
+    const Lock lock(mLock);
     mNextAGPId = id == 0 ? 1 : id;
 }
 
@@ -71,12 +70,12 @@ AGPCommonBase* AGPObjectMap::findLocked(AGPId id) {
 }
 
 AGPCommonBase* AGPObjectMap::getAGPObject(AGPId id) {
-    CriticalSection lock(mLock);
+    const Lock lock(mLock);
     return findLocked(id);
 }
 
 bool AGPObjectMap::getQueueOf(AGPId id, AGPQueueNumber& queue) {
-    CriticalSection lock(mLock);
+    const Lock lock(mLock);
     AGPCommonBase* element = findLocked(id);
     if (element == nullptr) {
         return false;
@@ -86,13 +85,13 @@ bool AGPObjectMap::getQueueOf(AGPId id, AGPQueueNumber& queue) {
 }
 
 AGPObjectTypeInfo::AGPObjectType AGPObjectMap::getTypeOf(AGPId id) {
-    CriticalSection lock(mLock);
+    const Lock lock(mLock);
     AGPCommonBase* element = findLocked(id);
     return element != nullptr ? element->getAGPObjectType() : AGPObjectTypeInfo::ti_NoType;
 }
 
 std::string AGPObjectMap::getTypeNameOf(AGPId id) {
-    CriticalSection lock(mLock);
+    const Lock lock(mLock);
     AGPCommonBase* element = findLocked(id);
     return element != nullptr ? AGPObjectTypeInfo::getTypeNameRef(element->getAGPObjectType())
                               : std::string();
@@ -109,7 +108,7 @@ void AGPObjectMap::forgetLocked(AGPId id) {
 }
 
 bool AGPObjectMap::removeAGPObject(AGPId id) {
-    CriticalSection lock(mLock);
+    const Lock lock(mLock);
     if (findLocked(id) == nullptr) {
         return false;
     }
@@ -120,7 +119,7 @@ bool AGPObjectMap::removeAGPObject(AGPId id) {
 bool AGPObjectMap::removeAGPObjectTree(AGPId id) {
     std::vector<AGPCommonBase*> tree;
     {
-        CriticalSection lock(mLock);
+        const Lock lock(mLock);
         AGPCommonBase* root = findLocked(id);
         if (root == nullptr) {
             return false;
@@ -137,14 +136,14 @@ bool AGPObjectMap::removeAGPObjectTree(AGPId id) {
 }
 
 void AGPObjectMap::clearMap() {
-    CriticalSection lock(mLock);
+    const Lock lock(mLock);
     mTypeCounts.fill(0);
     mTypeSeen.fill(false);
 }
 
 // Types that share a name ("unknown_type") are counted together, in the order of their names.
 void AGPObjectMap::printSummary() {
-    CriticalSection lock(mLock);
+    const Lock lock(mLock);
     std::map<std::string, int> byName;
     for (std::size_t slot = 0; slot < kTypeSlots; ++slot) {
         if (mTypeSeen[slot]) {
@@ -160,7 +159,7 @@ void AGPObjectMap::printSummary() {
 }
 
 int AGPObjectMap::getTypeCount(const std::string& typeName) {
-    CriticalSection lock(mLock);
+    const Lock lock(mLock);
     int count = 0;
     for (std::size_t slot = 0; slot < kTypeSlots; ++slot) {
         if (AGPObjectTypeInfo::getTypeNameRef(static_cast<AGPObjectTypeInfo::AGPObjectType>(slot)) ==
@@ -172,6 +171,6 @@ int AGPObjectMap::getTypeCount(const std::string& typeName) {
 }
 
 size_t AGPObjectMap::size() {
-    CriticalSection lock(mLock);
+    const Lock lock(mLock);
     return mObjects.size();
 }

@@ -2,12 +2,12 @@
 #pragma once
 
 #include <array>
+#include <mutex>
 #include <string>
 #include <unordered_map>
 
 #include "AGPObjectTypeInfo.h"
 #include "AGPTypes.h"
-#include "threads/CriticalSection.h"
 
 class AGPCommonBase;
 
@@ -40,7 +40,7 @@ public:
     // Runs `use(element)` with the lock held while `id` is registered; false when it is not.
     // `use` must not delete elements or widgets, nor keep the pointer.
     template <class Use> bool withObject(AGPId id, Use&& use) {
-        CriticalSection lock(mLock);
+        const Lock lock(mLock);
         AGPCommonBase* element = findLocked(id);
         if (element == nullptr) {
             return false;
@@ -78,5 +78,8 @@ private:
     // fell back to zero is still reported).
     std::array<int, kTypeSlots> mTypeCounts{};
     std::array<bool, kTypeSlots> mTypeSeen{};
-    Semaphore* mLock;
+    // Taken for every element made and deleted: a plain re-entrant mutex, not the platform's
+    // semaphore (whose take and give were a tenth of parsing a document).
+    using Lock = std::lock_guard<std::recursive_mutex>;
+    std::recursive_mutex mLock;
 };
