@@ -191,14 +191,18 @@ std::string newestCallFor(const std::string& action, const std::vector<EmulatedC
 } // namespace
 
 void ControlApi::handleCallAction(const Json& body, httplib::Response& response) {
-    const std::string action = body.value("action", "");
-    if (!body.value("number", Json("")).is_string() || !body.value("call", Json("")).is_string()) {
-        return fault(response, "'number' and 'call' must be strings");
+    std::string action;
+    std::string number;
+    std::string callId;
+    if (!stringMember(body, "action", "", action, response) ||
+        !stringMember(body, "number", "", number, response) ||
+        !stringMember(body, "call", "", callId, response)) {
+        return;
     }
     EmulatedCallControl& calls = mPhone.callControl();
     if (action == "ring") {
         std::string problem;
-        const std::string callId = calls.ringIncoming(body.value("number", ""), problem);
+        callId = calls.ringIncoming(number, problem);
         if (callId.empty()) {
             return fault(response, problem);
         }
@@ -207,7 +211,6 @@ void ControlApi::handleCallAction(const Json& body, httplib::Response& response)
     if (action != "answer" && action != "hold" && action != "retrieve" && action != "hangup") {
         return fault(response, "'action' must be ring, answer, hold, retrieve or hangup");
     }
-    std::string callId = body.value("call", "");
     if (callId.empty()) {
         callId = newestCallFor(action, calls.calls());
     }

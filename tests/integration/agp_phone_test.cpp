@@ -791,7 +791,10 @@ TEST(AgpPhone, TheControlApiObeysOnlyItsUser) {
              {"/api/application", R"({"action": 5})"},
              {"/api/push", R"({"data": 5, "type": "queue"})"},
              {"/api/push", R"({"data": "ServerAddr=127.0.0.1", "type": ["queue"]})"},
-             {"/api/push", R"({"data": "ServerAddr=127.0.0.1", "application": null})"}}) {
+             {"/api/push", R"({"data": "ServerAddr=127.0.0.1", "application": null})"},
+             {"/api/calls", R"({"action": 88.888})"},
+             {"/api/calls", R"({"action": "ring", "number": 301234})"},
+             {"/api/calls", R"({"action": "answer", "call": 1})"}}) {
         auto answer = api.Post(call.first, call.second, "application/json");
         EXPECT_EQ(answer->status, 400) << call.second;
         EXPECT_NE(answer->body.find("must be a string"), std::string::npos) << answer->body;
