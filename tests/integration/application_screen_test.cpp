@@ -174,7 +174,10 @@ TEST_F(Application, ASecondTabKeepsTheFirstTabsScreen) {
     ASSERT_EQ(waitFor(titleIs("Home"))["screen"]["title"], "Home");
     // The second tab's document never comes.
     ASSERT_EQ(mPhone->push("ServerAddr=127.0.0.1&ProgramName=slow", "two", 1), 1);
-    json shot = waitFor([](const json& s) { return s["tabBar"].is_object(); });
+    // The first tab's screen moves into the tab screen on that tab's own queue thread.
+    json shot = waitFor([](const json& s) {
+        return s["tabBar"].is_object() && s["screen"].is_object() && s["screen"]["title"] == "Home";
+    });
     ASSERT_TRUE(shot["tabBar"].is_object()) << shot.dump();
     EXPECT_EQ(shot["tabBar"]["labels"], json({"One", "Two"}));
     EXPECT_EQ(shot["tabBar"]["current"], 0);
