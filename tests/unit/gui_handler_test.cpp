@@ -79,6 +79,7 @@ protected:
         ASSERT_TRUE(AGPPhoneletManager::getAGPMessageQueueHandler()->startAGPMessageQueueHandler(4));
         ASSERT_TRUE(gui->startAGPGUIHandler(display.get(), nullptr));
         gui->show();
+        settle();
     }
     void TearDown() override {
         AGPPhoneletManager::shutdownPhonelet();
@@ -111,10 +112,19 @@ protected:
         }
         return build(xml + "</IppDisplay>", fakes, tag);
     }
+    // Runs `work` on the queue's thread, where the phonelet installs documents and runs commands,
+    // and answers what it answered.
+    template <typename Work> auto onQueue(AGPQueueNumber queue, Work work) -> decltype(work()) {
+        std::packaged_task<decltype(work())()> task(work);
+        auto result = task.get_future();
+        gui->runOnQueue(queue, [&task] { task(); });
+        return result.get();
+    }
     bool install(AGPCommonBase* root, AGPQueueNumber queue = 0,
                  long validity = AGPServerConnection::CACHE_TIMEVALID_FOREVER,
                  AGPMessage::MessageType type = AGPMessage::UrlRequest_XML) {
-        const bool installed = gui->processXmlTreeObject(root, queue, type, kUrl, validity, true);
+        const bool installed = onQueue(
+            queue, [&] { return gui->processXmlTreeObject(root, queue, type, kUrl, validity, true); });
         if (!installed && root != nullptr) {
             AGPPhoneletManager::getAGPObjectMap()->removeAGPObjectTree(root->getAGPObjectID());
         }
@@ -182,7 +192,9 @@ TEST_F(GUIHandlerTest, InstallsDocumentsAndRefusesBadRoots) {
     // The update screen comes first, then the initial screen, which can go back to it.
     AGPCommonBase* root =
         screens({1, 2, 3}, {kList, kList, kList}, " InitialScreen=\"3\" UpdateScreen=\"1\"");
-    ASSERT_TRUE(gui->processXmlTreeObject(root, 0, AGPMessage::UrlRequest_XML, kUrl, 4000000000L / 2, true));
+    ASSERT_TRUE(onQueue(0, [&] {
+        return gui->processXmlTreeObject(root, 0, AGPMessage::UrlRequest_XML, kUrl, 4000000000L / 2, true);
+    }));
     EXPECT_EQ(title("screen"), "screen 3");
     auto* initial = dynamic_cast<AGPIppScreen*>(root);
     ASSERT_NE(initial, nullptr);
@@ -194,7 +206,7 @@ TEST_F(GUIHandlerTest, InstallsDocumentsAndRefusesBadRoots) {
     EXPECT_EQ(gui->getCache(0).back(), initial->getAGPObjectID());
     EXPECT_EQ(AGPPhoneletManager::getAGPObjectMap()->getTypeCount("ti_IppDisplay"), 0) << "display destroyed";
     ASSERT_EQ(gui->getHistory(0).size(), 1u);
-    gui->commandShowScreenBack(0, true);
+    onQueue(0, [&] { gui->commandShowScreenBack(0, true); });
     EXPECT_EQ(title("screen"), "screen 1");
 
     // Later documents may show nothing; a screen without full-screen element is not cached.
@@ -238,18 +250,18 @@ TEST_F(GUIHandlerTest, NewCopyOfAScreenReplacesOneOlderCopyOfTheSameKind) {
 
 TEST_F(GUIHandlerTest, BackAndScreenByID) {
     LogCapture log(6);
-    gui->commandShowScreenBack(0, true);
+    onQueue(0, [&] { gui->commandShowScreenBack(0, true); });
     EXPECT_TRUE(log.contains("AGPGUIHandler", 5, "commandShowScreenBack: Previous screen requested"));
 
     installList(1, 0, AGPServerConnection::CACHE_TIMEVALID_FOREVER, " History=\"NO\"");
     installList(2, 0, AGPServerConnection::CACHE_TIMEVALID_NEVER);
     EXPECT_TRUE(gui->getHistory(0).empty()) << "History NO keeps a screen out";
-    gui->commandShowScreenBack(0, true);
+    onQueue(0, [&] { gui->commandShowScreenBack(0, true); });
     EXPECT_EQ(title("screen"), "screen 2") << "Back with an empty history does nothing";
 
     installList(3);
     ASSERT_EQ(gui->getHistory(0).size(), 1u);
-    gui->commandShowScreenBack(0, true);
+    onQueue(0, [&] { gui->commandShowScreenBack(0, true); });
     EXPECT_EQ(title("screen"), "screen 3") << "an expired screen is asked for again, not shown";
     EXPECT_TRUE(gui->getHistory(0).empty());
     EXPECT_TRUE(logged(log, "AGPMessageQueueHandler", "type: UrlRequest_XML_cache_expired_back"));
@@ -259,11 +271,11 @@ TEST_F(GUIHandlerTest, BackAndScreenByID) {
     install(screens({4}, {kList}, "", "old"));
     install(screens({9, 4}, {kList, kList}, " InitialScreen=\"9\"", "new"));
     EXPECT_EQ(title("screen"), "new 9");
-    gui->commandShowScreenID(4, 0, true);
+    onQueue(0, [&] { gui->commandShowScreenID(4, 0, true); });
     EXPECT_EQ(title("screen"), "new 4");
-    gui->commandShowScreenID(77, 0, true);
+    onQueue(0, [&] { gui->commandShowScreenID(77, 0, true); });
     EXPECT_EQ(title("screen"), "new 4");
-    gui->commandShowScreenBack(0, true);
+    onQueue(0, [&] { gui->commandShowScreenBack(0, true); });
     EXPECT_EQ(title("screen"), "new 9");
 }
 
@@ -275,7 +287,7 @@ TEST_F(GUIHandlerTest, AlertOverAScreenAndBack) {
     auto* formScreen = dynamic_cast<AGPIppScreen*>(AGPPhoneletManager::getAGPObjectMap()->getAGPObject(form));
     EXPECT_FALSE(formScreen->isRedisplayNeeded()) << "an alert does not hide the screen under it";
     EXPECT_EQ(gui->getHistory(0), std::vector<AGPId>{form});
-    gui->commandAlertBack(0, true);
+    onQueue(0, [&] { gui->commandAlertBack(0, true); });
     EXPECT_EQ(title("popup"), "");
     EXPECT_EQ(title("screen"), "screen 1");
 }
@@ -310,7 +322,7 @@ TEST_F(GUIHandlerTest, TabsShareTheDisplayOnceASecondTabExists) {
         log.contains("AGPGUIHandler", 5, "AGPGUIHandler::tab() Alert or Player displayed, disable tabbing"));
     EXPECT_EQ(display->snapshot()["tabBar"]["current"], 1);
 
-    gui->commandAlertBack(2, true);
+    onQueue(2, [&] { gui->commandAlertBack(2, true); });
     EXPECT_EQ(gui->getAlertId(2), 0u);
     EXPECT_EQ(title("screen"), "screen 2");
     tab(-1);
@@ -338,7 +350,7 @@ TEST_F(GUIHandlerTest, LeavingTheOnlyAlertOfATabClosesTheTab) {
     installList(2, 2, AGPServerConnection::CACHE_TIMEVALID_FOREVER, "", kAlert);
     installList(3, 3);
     EXPECT_EQ(gui->queueIdToTabIdx(3), 2);
-    gui->commandAlertBack(2, true);
+    onQueue(2, [&] { gui->commandAlertBack(2, true); });
     EXPECT_FALSE(gui->isTabInitialized(1));
     EXPECT_EQ(gui->queueIdToTabIdx(3), 1) << "the tabs after the closed one move down";
     EXPECT_EQ(gui->tabIdxToQueueId(1), 3);
