@@ -12,7 +12,7 @@
 
 namespace {
 
-// A list of 500 options with titles and URLs, about 100 KB.
+// A list of 500 options of two lines each, name and extension, about 90 KB.
 std::string makeListDocument() {
     std::string xml =
         "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<IppDisplay>\n<IppScreen>\n<IppList Type=\"IMPLICIT\">\n"
@@ -20,8 +20,8 @@ std::string makeListDocument() {
     for (int i = 0; i < 500; ++i) {
         const std::string n = std::to_string(i);
         xml += "<Option Key=\"entry\" Value=\"" + n + "\" Selected=\"FALSE\">\n<OptionText>Entry number " +
-               n + " of the directory list</OptionText>\n<Url>http://server.example/app/entry?id=" + n +
-               "&amp;view=full</Url>\n</Option>\n";
+               n + " of the directory list</OptionText>\n<OptionText>Extension 4" + n + " &amp; room " + n +
+               ", floor 2</OptionText>\n</Option>\n";
     }
     xml += "</IppList>\n</IppScreen>\n</IppDisplay>\n";
     return xml;

@@ -8,10 +8,7 @@
 
 #include "AGPCommonBase.h"
 
-AGPObjectMap::AGPObjectMap() : mNextAGPId(1) {
-    // A document of a few thousand elements registers without rehashing.
-    mObjects.reserve(4096);
-}
+AGPObjectMap::AGPObjectMap() : mNextAGPId(1) {}
 
 AGPObjectMap::~AGPObjectMap() {
     clearMap();
@@ -19,14 +16,14 @@ AGPObjectMap::~AGPObjectMap() {
 
 AGPId AGPObjectMap::addAGPObject(AGPCommonBase* element) {
     const Lock lock(mLock);
-    if (mObjects.count(mNextAGPId) != 0) {
+    if (!mObjects.insert(mNextAGPId, element)) {
         // Only after the counter went round: identifiers from the first round may still live.
         mNextAGPId = lowestFreeId();
         if (mNextAGPId == 0) {
             return 0;
         }
+        mObjects.insert(mNextAGPId, element);
     }
-    mObjects.emplace(mNextAGPId, element);
     countLocked(element->getAGPObjectType(), 1);
     const AGPId id = mNextAGPId++;
     if (mNextAGPId == 0) {
@@ -39,7 +36,7 @@ AGPId AGPObjectMap::addAGPObject(AGPCommonBase* element) {
 // so the search ends long before the last identifier.
 AGPId AGPObjectMap::lowestFreeId() const {
     AGPId candidate = 1;
-    while (mObjects.count(candidate) != 0) {
+    while (mObjects.find(candidate) != nullptr) {
         if (candidate == std::numeric_limits<AGPId>::max()) {
             return 0; // every identifier is in use
         }
@@ -65,8 +62,7 @@ void AGPObjectMap::setNextIdForTesting(AGPId id) {
 }
 
 AGPCommonBase* AGPObjectMap::findLocked(AGPId id) {
-    auto found = mObjects.find(id);
-    return found == mObjects.end() ? nullptr : found->second;
+    return mObjects.find(id);
 }
 
 AGPCommonBase* AGPObjectMap::getAGPObject(AGPId id) {
@@ -98,13 +94,10 @@ std::string AGPObjectMap::getTypeNameOf(AGPId id) {
 }
 
 void AGPObjectMap::forgetLocked(AGPId id) {
-    auto found = mObjects.find(id);
-    if (found == mObjects.end()) {
-        return;
+    AGPCommonBase* element = mObjects.take(id);
+    if (element != nullptr) {
+        countLocked(element->getAGPObjectType(), -1);
     }
-    AGPCommonBase* element = found->second;
-    mObjects.erase(found);
-    countLocked(element->getAGPObjectType(), -1);
 }
 
 bool AGPObjectMap::removeAGPObject(AGPId id) {

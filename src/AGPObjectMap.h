@@ -4,7 +4,8 @@
 #include <array>
 #include <mutex>
 #include <string>
-#include <unordered_map>
+
+#include "AGPIdTable.h"
 
 #include "AGPObjectTypeInfo.h"
 #include "AGPTypes.h"
@@ -73,7 +74,7 @@ private:
     void countLocked(AGPObjectTypeInfo::AGPObjectType type, int change);
 
     AGPId mNextAGPId;
-    std::unordered_map<AGPId, AGPCommonBase*> mObjects;
+    AGPIdTable mObjects;
     // Registrations minus removals a type, and whether the type was ever registered (a count that
     // fell back to zero is still reported).
     std::array<int, kTypeSlots> mTypeCounts{};

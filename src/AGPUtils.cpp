@@ -2,8 +2,10 @@
 #include "AGPUtils.h"
 
 #include <cctype>
+#include <charconv>
 #include <ctime>
-#include <sstream>
+#include <limits>
+#include <type_traits>
 
 #include "uri/GPALAdmin.h"
 
@@ -22,10 +24,42 @@ const ZoneOffset kZones[] = {{"ut", 0},     {"gmt", 0},    {"est", -300}, {"edt"
                              {"cdt", -300}, {"mst", -420}, {"mdt", -360}, {"pst", -480}, {"pdt", -420},
                              {"a", -60},    {"z", 0},      {"m", -720},   {"n", 60},     {"y", 720}};
 
+// Reads a number as a stream does: blanks first, an optional sign, then digits up to the first
+// non-digit. Blank text fails and leaves `out` alone; other text without digits fails with 0, out of range
+// with the nearest limit; an unsigned number with a minus sign wraps around, as with strtoul. (Attributes
+// hold many numbers: this is several times quicker than a string stream.)
 template <typename Number> bool readNumber(const std::string& text, Number& out) {
-    std::istringstream stream(text);
-    stream >> out;
-    return !stream.fail() && !stream.bad();
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    while (at != end && std::isspace(static_cast<unsigned char>(*at))) {
+        ++at;
+    }
+    if (at == end) {
+        return false; // nothing but blanks leaves the number as it was
+    }
+    bool negative = false;
+    if (at != end && (*at == '+' || *at == '-')) {
+        negative = *at == '-';
+        ++at;
+    }
+    using Magnitude = std::make_unsigned_t<Number>;
+    Magnitude magnitude = 0;
+    const std::from_chars_result read = std::from_chars(at, end, magnitude);
+    if (read.ptr == at) {
+        out = 0;
+        return false;
+    }
+    const Magnitude limit =
+        std::is_signed<Number>::value
+            ? static_cast<Magnitude>(std::numeric_limits<Number>::max()) + (negative ? 1 : 0)
+            : std::numeric_limits<Magnitude>::max();
+    if (read.ec == std::errc::result_out_of_range || magnitude > limit) {
+        out = negative && std::is_signed<Number>::value ? std::numeric_limits<Number>::min()
+                                                        : std::numeric_limits<Number>::max();
+        return false;
+    }
+    out = static_cast<Number>(negative ? Magnitude(0) - magnitude : magnitude);
+    return true;
 }
 
 bool isDigit(char c) {

@@ -168,8 +168,8 @@ void AGPXMLParser::xmlStartElement(void* statePointer, const char* name, const c
         ++state.mLevel;
         return;
     }
-    std::string elementName(name);
-    AGPCommonBase* element = AGPCommonBase::getInstanceFor(elementName);
+    state.mName.assign(name);
+    AGPCommonBase* element = AGPCommonBase::getInstanceFor(state.mName);
     if (element == nullptr) {
         AGP_LOG(5, "Couldn't get instance for [%s], set recovery level %d", name, state.mLevel);
         state.mRecoveryLevel = state.mLevel;
@@ -179,9 +179,9 @@ void AGPXMLParser::xmlStartElement(void* statePointer, const char* name, const c
     AGP_LOG(6, "Element [%s] created (level %d)", name, state.mLevel);
 
     for (const char** attribute = attributes; attribute[0] != nullptr; attribute += 2) {
-        std::string attributeName(attribute[0]);
-        std::string attributeValue(attribute[1]);
-        if (element->addAttribute(attributeName, attributeValue)) {
+        state.mName.assign(attribute[0]);
+        state.mValue.assign(attribute[1]);
+        if (element->addAttribute(state.mName, state.mValue)) {
             AGP_LOG(6, "Attribute [%s]=[%s] added to element [%s] (level %d)", attribute[0], attribute[1],
                     name, state.mLevel);
         } else {
@@ -247,7 +247,8 @@ void AGPXMLParser::xmlCharacterDataHandler(void* statePointer, const char* text,
     if (current->getAGPObjectType() != AGPObjectTypeInfo::ti_Text && isLayoutOnly(text, length)) {
         return;
     }
-    std::string piece(text, static_cast<size_t>(length));
+    std::string& piece = state.mPiece;
+    piece.assign(text, static_cast<size_t>(length));
     if (state.mLevel > state.mRecoveryLevel) {
         AGP_LOG(5, "Content [%s] for element [%s] ignored due to recovery reason (level %d)", piece.c_str(),
                 typeNameOf(current), state.mLevel);

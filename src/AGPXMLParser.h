@@ -21,6 +21,11 @@ struct AGPXMLParseState {
     std::vector<bool> mAccepted;
     // Elements begun so far; every so many, the parse asks whether the phonelet is stopping.
     unsigned int mElementsBegun = 0;
+    // Reused for each name, attribute and text piece handed to the elements, so that a long one
+    // costs no allocation after the first.
+    std::string mName;
+    std::string mValue;
+    std::string mPiece;
 };
 
 class AGPXMLParser {

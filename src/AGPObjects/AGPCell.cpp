@@ -1,9 +1,13 @@
 // A cell of a table's header or row: up to two lines, and the width of its column.
 #include "AGPCell.h"
 
+#include <string_view>
+
 #include "AGPHeader.h"
 #include "AGPRow.h"
 #include "AGPUtils.h"
+
+using namespace std::string_view_literals;
 
 AGPCell::AGPCell() : mCellLineCount(0, 2), mWidth(WIDTH_DEFAULT), mParentType(AGPObjectTypeInfo::ti_NoType) {
     registerElement();
@@ -21,7 +25,7 @@ bool AGPCell::addChild(AGPCommonBase& child) {
 }
 
 bool AGPCell::addAttribute(std::string& name, std::string& value) {
-    if (name == "Width") {
+    if (name == "Width"sv) {
         mWidth = parseAGPWidth(value);
         return true;
     }

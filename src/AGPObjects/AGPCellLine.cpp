@@ -1,8 +1,12 @@
 // One line of a table cell: its text and its pictures, placed into the row or header widget.
 #include "AGPCellLine.h"
 
+#include <string_view>
+
 #include "AGPCell.h"
 #include "AGPImage.h"
+
+using namespace std::string_view_literals;
 
 namespace {
 
@@ -38,7 +42,7 @@ bool AGPCellLine::addChild(AGPCommonBase& child) {
 }
 
 bool AGPCellLine::addAttribute(std::string& name, std::string& value) {
-    if (name == "State") {
+    if (name == "State"sv) {
         mState = value == "GRAY" ? GRAY : NORMAL;
         mActive = mState != GRAY;
         return true;

@@ -1,7 +1,11 @@
 // The text of a table cell's line, possibly a phone number.
 #include "AGPCellText.h"
 
+#include <string_view>
+
 #include "AGPIppPhoneNumber.h"
+
+using namespace std::string_view_literals;
 
 AGPCellText::AGPCellText() : mPhoneNumberCount(0, 1), mState(NORMAL), mPhoneNumberSet(false) {
     registerElement();
@@ -19,7 +23,7 @@ bool AGPCellText::addChild(AGPCommonBase& child) {
 }
 
 bool AGPCellText::addAttribute(std::string& name, std::string& value) {
-    if (name == "State") {
+    if (name == "State"sv) {
         mState = value == "GRAY" ? GRAY : NORMAL;
         return true;
     }

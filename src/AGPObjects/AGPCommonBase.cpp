@@ -195,6 +195,9 @@ bool AGPCommonBase::addCountedChild(AGPChildCount& count, AGPCommonBase& child) 
     if (!count.hasRoom()) {
         return false;
     }
+    if (mChildren.empty()) {
+        mChildren.reserve(4); // most elements have a few children: one allocation, not three
+    }
     mChildren.push_back(&child);
     ++count.mCount;
     return true;

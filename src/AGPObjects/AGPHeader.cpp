@@ -1,9 +1,13 @@
 // The header line(s) of a table: titles of the columns and their widths.
 #include "AGPHeader.h"
 
+#include <string_view>
+
 #include "AGPCell.h"
 #include "AGPIppTable.h"
 #include "AGPUtils.h"
+
+using namespace std::string_view_literals;
 
 AGPHeader::AGPHeader() : mCellCount(0, 100), mLineCount(1), mColumnCount(1) {
     registerElement();
@@ -21,11 +25,11 @@ bool AGPHeader::addChild(AGPCommonBase& child) {
 }
 
 bool AGPHeader::addAttribute(std::string& name, std::string& value) {
-    if (name == "LineCount") {
+    if (name == "LineCount"sv) {
         mLineCount = parseAGPCount(value, 2);
         return true;
     }
-    if (name == "ColumnCount") {
+    if (name == "ColumnCount"sv) {
         mColumnCount = parseAGPCount(value, 100);
         return true;
     }

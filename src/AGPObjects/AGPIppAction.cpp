@@ -1,6 +1,8 @@
 // A phone function run when its screen is shown or its command is triggered.
 #include "AGPIppAction.h"
 
+#include <string_view>
+
 #define AGP_LOG_MODULE "AGPObject"
 #define AGP_LOG_SOURCE "./src/AGPObjects/AGPIppAction.cpp"
 
@@ -11,6 +13,8 @@
 #include "AGPIppTone.h"
 #include "AGPKeysHandler.h"
 #include "AGPPhoneletManager.h"
+
+using namespace std::string_view_literals;
 
 namespace {
 
@@ -49,7 +53,7 @@ bool AGPIppAction::addChild(AGPCommonBase& child) {
 }
 
 bool AGPIppAction::addAttribute(std::string& name, std::string& value) {
-    if (name == "Type") {
+    if (name == "Type"sv) {
         for (const TypeName& entry : kTypes) {
             if (value == entry.name) {
                 mType = entry.type;
@@ -59,7 +63,7 @@ bool AGPIppAction::addAttribute(std::string& name, std::string& value) {
         }
         return false;
     }
-    if (name == "Focus") {
+    if (name == "Focus"sv) {
         mFocus = value == "NO" ? FOCUS_NO : FOCUS_YES;
         return true;
     }

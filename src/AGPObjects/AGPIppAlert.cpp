@@ -3,6 +3,7 @@
 #include "AGPIppAlert.h"
 
 #include <memory>
+#include <string_view>
 
 #include "AGPIppPhoneNumber.h"
 #include "display/Image.h"
@@ -25,6 +26,8 @@
 #include "display/Alert.h"
 #include "display/MenuCommand.h"
 #include "text/TranslationInfo.h"
+
+using namespace std::string_view_literals;
 
 namespace {
 
@@ -75,11 +78,11 @@ bool AGPIppAlert::addChild(AGPCommonBase& child) {
 }
 
 bool AGPIppAlert::addAttribute(std::string& name, std::string& value) {
-    if (name == "Type") {
+    if (name == "Type"sv) {
         mType = parseAGPType(value);
         return true;
     }
-    if (name == "Delay") {
+    if (name == "Delay"sv) {
         mDelay = parseAGPDelay(value);
         return true;
     }

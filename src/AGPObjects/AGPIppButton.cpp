@@ -1,6 +1,8 @@
 // A labelled picture in a form that sends its own key and value when the user presses Ok on it.
 #include "AGPIppButton.h"
 
+#include <string_view>
+
 #include "AGPImage.h"
 #include "AGPKey.h"
 #include "AGPMessage.h"
@@ -9,6 +11,8 @@
 #include "AGPPhoneletManager.h"
 #include "AGPValue.h"
 #include "display/ImageItem.h"
+
+using namespace std::string_view_literals;
 
 AGPIppButton::AGPIppButton()
     : mLabelCount(0, 1), mImageCount(0, 1), mAltTextCount(0, 1), mLayout(LAYOUT_OTHER), mType(TYPE_ANY),
@@ -38,23 +42,23 @@ bool AGPIppButton::addChild(AGPCommonBase& child) {
 }
 
 bool AGPIppButton::addAttribute(std::string& name, std::string& value) {
-    if (name == "Key") {
+    if (name == "Key"sv) {
         delete mKey;
         mKey = AGPKey::parseAGPKey(value);
         mKeyGiven = true;
         return !AGPObjectPool::isPooled(*mKey, AGPObjectPool::getAGPKey_PARSE_FAILED());
     }
-    if (name == "Value") {
+    if (name == "Value"sv) {
         delete mValue;
         mValue = AGPValue::parseAGPValue(value);
         mValueGiven = true;
         return !AGPObjectPool::isPooled(*mValue, AGPObjectPool::getAGPValue_PARSE_FAILED());
     }
-    if (name == "Layout") {
+    if (name == "Layout"sv) {
         mLayout = parseAGPLayout(value);
         return true;
     }
-    if (name == "Type") {
+    if (name == "Type"sv) {
         mType = parseAGPType(value);
         return true;
     }

@@ -2,6 +2,7 @@
 #include "AGPIppChoiceGroup.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include "AGPIppForm.h"
 #include "AGPKey.h"
@@ -11,6 +12,8 @@
 #include "display/ChoiceGroup.h"
 #include "display/MenuCommand.h"
 #include "display/SelectionField.h"
+
+using namespace std::string_view_literals;
 
 namespace {
 
@@ -49,15 +52,15 @@ bool AGPIppChoiceGroup::addChild(AGPCommonBase& child) {
 }
 
 bool AGPIppChoiceGroup::addAttribute(std::string& name, std::string& value) {
-    if (name == "Type") {
+    if (name == "Type"sv) {
         mType = parseAGPType(value);
         return true;
     }
-    if (name == "Count") {
+    if (name == "Count"sv) {
         mCount = parseAGPCount(value);
         return true;
     }
-    if (name == "Numbered") {
+    if (name == "Numbered"sv) {
         mNumbered = parseAGPNumbered(value);
         return true;
     }

@@ -5,6 +5,7 @@
 #define AGP_LOG_SOURCE "./src/AGPObjects/AGPIppCommand.cpp"
 
 #include <algorithm>
+#include <string_view>
 
 #include "AGPIppAction.h"
 #include "AGPKey.h"
@@ -13,6 +14,8 @@
 #include "AGPUtils.h"
 #include "AGPValue.h"
 #include "display/MenuCommand.h"
+
+using namespace std::string_view_literals;
 
 namespace {
 
@@ -88,7 +91,7 @@ bool AGPIppCommand::addChild(AGPCommonBase& child) {
 }
 
 bool AGPIppCommand::addAttribute(std::string& name, std::string& value) {
-    if (name == "Type") {
+    if (name == "Type"sv) {
         for (const TypeEntry& entry : kTypes) {
             if (value == entry.name) {
                 mType = entry.type;
@@ -98,39 +101,39 @@ bool AGPIppCommand::addAttribute(std::string& name, std::string& value) {
         }
         return false;
     }
-    if (name == "Priority") {
+    if (name == "Priority"sv) {
         mPriority = parseCount(value);
         return true;
     }
-    if (name == "Auto") {
+    if (name == "Auto"sv) {
         mAuto = parseCount(value);
         return true;
     }
-    if (name == "DisplayOn") {
+    if (name == "DisplayOn"sv) {
         mDisplayOn = value == "LISTITEM" ? LISTITEM
                      : value == "BOTH"   ? BOTH
                      : value == "NONE"   ? NONE
                                          : DISPLAYON_DEFAULT;
         return true;
     }
-    if (name == "Select") {
+    if (name == "Select"sv) {
         mSelect = value == "YES" ? SELECT_YES : SELECT_NO;
         return true;
     }
-    if (name == "Default") {
+    if (name == "Default"sv) {
         mDefault = value == "YES" ? DEFAULT_YES : DEFAULT_NO;
         return true;
     }
-    if (name == "Event") {
+    if (name == "Event"sv) {
         mEvent = value == "ONFOCUS" ? ONFOCUS : value == "ONBLUR" ? ONBLUR : EVENT_NONE;
         return true;
     }
-    if (name == "Key") {
+    if (name == "Key"sv) {
         delete mKey;
         mKey = AGPKey::parseAGPKey(value);
         return !keyFailed(mKey);
     }
-    if (name == "Value") {
+    if (name == "Value"sv) {
         delete mValue;
         mValue = AGPValue::parseAGPValue(value);
         return !valueFailed(mValue);

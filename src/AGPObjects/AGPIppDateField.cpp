@@ -1,6 +1,8 @@
 // A form item that shows and edits a date, a time or both in the phone's formats.
 #include "AGPIppDateField.h"
 
+#include <string_view>
+
 #define AGP_LOG_MODULE "AGPObject"
 #define AGP_LOG_SOURCE "./src/AGPObjects/AGPIppDateField.cpp"
 
@@ -12,6 +14,8 @@
 #include "AGPPhoneletManager.h"
 #include "AGPTimeKey.h"
 #include "display/TextField.h"
+
+using namespace std::string_view_literals;
 
 namespace {
 
@@ -59,15 +63,15 @@ bool AGPIppDateField::addChild(AGPCommonBase& child) {
 }
 
 bool AGPIppDateField::addAttribute(std::string& name, std::string& value) {
-    if (name == "Mode") {
+    if (name == "Mode"sv) {
         mMode = parseAGPMode(value);
         return true;
     }
-    if (name == "Default") {
+    if (name == "Default"sv) {
         mDefault = parseAGPDefault(value);
         return true;
     }
-    if (name == "DateKey") {
+    if (name == "DateKey"sv) {
         delete mDateKey;
         mDateKey = AGPDateKey::parseAGPDateKey(value);
         if (!AGPObjectPool::isPooled(*mDateKey, AGPObjectPool::getAGPDateKey_PARSE_FAILED())) {
@@ -77,7 +81,7 @@ bool AGPIppDateField::addAttribute(std::string& name, std::string& value) {
         mDateKey = new AGPDateKey("null");
         return false;
     }
-    if (name == "TimeKey") {
+    if (name == "TimeKey"sv) {
         delete mTimeKey;
         mTimeKey = AGPTimeKey::parseAGPTimeKey(value);
         if (!AGPObjectPool::isPooled(*mTimeKey, AGPObjectPool::getAGPTimeKey_PARSE_FAILED())) {

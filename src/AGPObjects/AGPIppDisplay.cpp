@@ -1,7 +1,11 @@
 // The root element of every document: between one and five screens.
 #include "AGPIppDisplay.h"
 
+#include <string_view>
+
 #include "AGPUtils.h"
+
+using namespace std::string_view_literals;
 
 namespace {
 
@@ -34,10 +38,10 @@ bool AGPIppDisplay::addChild(AGPCommonBase& child) {
 }
 
 bool AGPIppDisplay::addAttribute(std::string& name, std::string& value) {
-    if (name == "InitialScreen") {
+    if (name == "InitialScreen"sv) {
         return parseScreenNumber(value, mInitialScreen);
     }
-    if (name == "UpdateScreen") {
+    if (name == "UpdateScreen"sv) {
         return parseScreenNumber(value, mUpdateScreen);
     }
     return false;

@@ -5,6 +5,7 @@
 #define AGP_LOG_SOURCE "./src/AGPObjects/AGPIppForm.cpp"
 
 #include <algorithm>
+#include <string_view>
 
 #include "AGPCommandListener.h"
 #include "AGPDisplayItemIfc.h"
@@ -31,6 +32,8 @@
 #include "display/PopupConfirm.h"
 #include "display/SelectionField.h"
 #include "text/TranslationInfo.h"
+
+using namespace std::string_view_literals;
 
 namespace {
 
@@ -96,11 +99,11 @@ bool AGPIppForm::addChild(AGPCommonBase& child) {
 }
 
 bool AGPIppForm::addAttribute(std::string& name, std::string& value) {
-    if (name == "ItemCount") {
+    if (name == "ItemCount"sv) {
         mItemCount = parseAGPItemCount(value);
         return true;
     }
-    if (name == "Proportion") {
+    if (name == "Proportion"sv) {
         mProportion = parseAGPProportion(value);
         return true;
     }

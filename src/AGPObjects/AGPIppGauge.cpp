@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <string>
+#include <string_view>
 
 #include "AGPCommandListener.h"
 #include "AGPGUIHandler.h"
@@ -20,6 +21,8 @@
 #include "display/Command.h"
 #include "display/SliderItem.h"
 #include "display/Timer.h"
+
+using namespace std::string_view_literals;
 
 AGPIppGauge::AGPIppGauge()
     : mLabelCount(0, 1), mMaximumCount(0, 1), mInitialCount(0, 1), mInteractive(INTERACTIVE),
@@ -50,13 +53,13 @@ bool AGPIppGauge::addChild(AGPCommonBase& child) {
 }
 
 bool AGPIppGauge::addAttribute(std::string& name, std::string& value) {
-    if (name == "Key") {
+    if (name == "Key"sv) {
         delete mKey;
         mKey = AGPKey::parseAGPKey(value);
         mKeyParsed = !AGPObjectPool::isPooled(*mKey, AGPObjectPool::getAGPKey_PARSE_FAILED());
         return mKeyParsed;
     }
-    if (name == "Interactive") {
+    if (name == "Interactive"sv) {
         mInteractive = parseAGPInteractive(value);
         return true;
     }

@@ -1,8 +1,12 @@
 // A key and value that the screen adds to its requests without showing them.
 #include "AGPIppHidden.h"
 
+#include <string_view>
+
 #include "AGPKey.h"
 #include "AGPObjectPool.h"
+
+using namespace std::string_view_literals;
 
 AGPIppHidden::AGPIppHidden()
     : mValueCount(0, 1), mType(TYPE_NOT_GIVEN), mTypeGiven(false), mKey(new AGPKey("null")),
@@ -23,7 +27,7 @@ bool AGPIppHidden::addChild(AGPCommonBase& child) {
 }
 
 bool AGPIppHidden::addAttribute(std::string& name, std::string& value) {
-    if (name == "Type") {
+    if (name == "Type"sv) {
         mType = value == "VALUE"         ? VALUE
                 : value == "PHONENUMBER" ? PHONENUMBER
                 : value == "IPADDRESS"   ? IPADDRESS
@@ -31,7 +35,7 @@ bool AGPIppHidden::addAttribute(std::string& name, std::string& value) {
         mTypeGiven = mType != TYPE_NOT_GIVEN;
         return mTypeGiven;
     }
-    if (name == "Key") {
+    if (name == "Key"sv) {
         delete mKey;
         mKey = AGPKey::parseAGPKey(value);
         // Before the pool exists its fallback object cannot be compared; its text stands in for it.

@@ -1,9 +1,13 @@
 // A labelled picture in a form, shown as its alternative text while the picture is missing.
 #include "AGPIppImageItem.h"
 
+#include <string_view>
+
 #include "AGPImage.h"
 
 #include "display/ImageItem.h"
+
+using namespace std::string_view_literals;
 
 AGPIppImageItem::AGPIppImageItem()
     : mLabelCount(0, 1), mImageCount(0, 1), mAltTextCount(0, 1), mLayout(LAYOUT_OTHER), mImageItem(nullptr) {
@@ -29,7 +33,7 @@ bool AGPIppImageItem::addChild(AGPCommonBase& child) {
 }
 
 bool AGPIppImageItem::addAttribute(std::string& name, std::string& value) {
-    if (name == "Layout") {
+    if (name == "Layout"sv) {
         mLayout = parseAGPLayout(value);
         return true;
     }

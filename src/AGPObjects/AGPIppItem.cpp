@@ -5,6 +5,7 @@
 #define AGP_LOG_SOURCE "./src/AGPObjects/AGPIppItem.cpp"
 
 #include <algorithm>
+#include <string_view>
 
 #include "AGPGUIHandler.h"
 #include "AGPIppButton.h"
@@ -23,6 +24,8 @@
 #include "display/Item.h"
 #include "display/MenuCommand.h"
 #include "text/TranslationInfo.h"
+
+using namespace std::string_view_literals;
 
 namespace {
 
@@ -101,7 +104,7 @@ bool AGPIppItem::addChild(AGPCommonBase& child) {
 }
 
 bool AGPIppItem::addAttribute(std::string& name, std::string& value) {
-    if (name == "CommandCount") {
+    if (name == "CommandCount"sv) {
         mCommandCount = parseAGPCommandCount(value);
         return true;
     }

@@ -6,6 +6,7 @@
 
 #include <map>
 #include <sstream>
+#include <string_view>
 
 #include "AGPKeysHandler.h"
 #include "AGPLog.h"
@@ -15,6 +16,8 @@
 #include "AGPUrl.h"
 #include "AGPUrlKey.h"
 #include "AGPUtils.h"
+
+using namespace std::string_view_literals;
 
 AGPIppKey::AGPIppKey()
     : mKeypad(KEYPAD_NO), mSendKeys(SENDKEYS_NO), mBufferKeys(BUFFER_NO), mBufferLength(0),
@@ -31,7 +34,7 @@ AGPIppKey::~AGPIppKey() {
 }
 
 bool AGPIppKey::addAttribute(std::string& name, std::string& value) {
-    if (name == "UrlKey") {
+    if (name == "UrlKey"sv) {
         AGPUrlKey* parsed = AGPUrlKey::parseAGPUrlKey(value);
         if (parsed == nullptr ||
             AGPObjectPool::isPooled(*parsed, AGPObjectPool::getAGPUrlKey_PARSE_FAILED())) {
@@ -43,26 +46,26 @@ bool AGPIppKey::addAttribute(std::string& name, std::string& value) {
         mUrlKeyGiven = true;
         return true;
     }
-    if (name == "SendKeys") {
+    if (name == "SendKeys"sv) {
         mSendKeys = value == "YES" ? SENDKEYS_YES : SENDKEYS_NO;
         return true;
     }
-    if (name == "Keypad") {
+    if (name == "Keypad"sv) {
         mKeypad = value == "YES" ? KEYPAD_YES : KEYPAD_NO;
         return true;
     }
-    if (name == "BufferKeys") {
+    if (name == "BufferKeys"sv) {
         mBufferKeys = value == "YES" ? BUFFER_YES : value == "SUBSEQUENT" ? BUFFER_SUBSEQUENT : BUFFER_NO;
         return true;
     }
-    if (name == "BufferLength") {
+    if (name == "BufferLength"sv) {
         long length = 0;
         mBufferLength = AGPUtils::stringToLong(value, length) && length > 0 && length <= 0xFFFFFFFFL
                             ? static_cast<std::uint32_t>(length)
                             : 0;
         return true;
     }
-    if (name == "TermKey") {
+    if (name == "TermKey"sv) {
         std::istringstream words(value);
         mTermKey.clear();
         words >> mTermKey;

@@ -5,6 +5,7 @@
 #define AGP_LOG_SOURCE "./src/AGPObjects/AGPIppList.cpp"
 
 #include <algorithm>
+#include <string_view>
 
 #include "AGPFColor.h"
 #include "AGPGUIHandler.h"
@@ -30,6 +31,8 @@
 #include "display/MultipleList.h"
 #include "display/PopupConfirm.h"
 #include "text/TranslationInfo.h"
+
+using namespace std::string_view_literals;
 
 namespace {
 
@@ -99,35 +102,35 @@ bool AGPIppList::addChild(AGPCommonBase& child) {
 }
 
 bool AGPIppList::addAttribute(std::string& name, std::string& value) {
-    if (name == "Type") {
+    if (name == "Type"sv) {
         mType = parseAGPType(value);
         return true;
     }
-    if (name == "Count") {
+    if (name == "Count"sv) {
         mCount = parseAGPCount(value);
         return true;
     }
-    if (name == "Columns") {
+    if (name == "Columns"sv) {
         mColumns = parseAGPColumns(value);
         return true;
     }
-    if (name == "Numbered") {
+    if (name == "Numbered"sv) {
         mNumbered = parseAGPNumbered(value);
         return true;
     }
-    if (name == "FColor") {
+    if (name == "FColor"sv) {
         return AGPObjectPool::replaceColor(mFColor, value, &AGPFColor::parseAGPFColor,
                                            AGPObjectPool::getAGPFColor_PARSE_FAILED());
     }
-    if (name == "TColor") {
+    if (name == "TColor"sv) {
         return AGPObjectPool::replaceColor(mTColor, value, &AGPTColor::parseAGPTColor,
                                            AGPObjectPool::getAGPTColor_PARSE_FAILED());
     }
-    if (name == "SFColor") {
+    if (name == "SFColor"sv) {
         return AGPObjectPool::replaceColor(mSFColor, value, &AGPSFColor::parseAGPSFColor,
                                            AGPObjectPool::getAGPSFColor_PARSE_FAILED());
     }
-    if (name == "STColor") {
+    if (name == "STColor"sv) {
         return AGPObjectPool::replaceColor(mSTColor, value, &AGPSTColor::parseAGPSTColor,
                                            AGPObjectPool::getAGPSTColor_PARSE_FAILED());
     }

@@ -1,7 +1,11 @@
 // A phone number inside a text, shown as its phone-book contact: name, number or both, and a picture.
 #include "AGPIppPhoneNumber.h"
 
+#include <string_view>
+
 #include "AGPPhoneletManager.h"
+
+using namespace std::string_view_literals;
 
 AGPIppPhoneNumber::AGPIppPhoneNumber()
     : mAltTextCount(0, 1), mImageType(IMAGE_NONE), mNumberType(NUMBER), mSeparator(", "), mFound(false) {
@@ -20,11 +24,11 @@ bool AGPIppPhoneNumber::addChild(AGPCommonBase& child) {
 }
 
 bool AGPIppPhoneNumber::addAttribute(std::string& name, std::string& value) {
-    if (name == "NumberType") {
+    if (name == "NumberType"sv) {
         mNumberType = value == "NAME" ? NAME : value == "BOTH" ? BOTH : NUMBER;
         return true;
     }
-    if (name == "ImageType") {
+    if (name == "ImageType"sv) {
         mImageType = value == "PHONETYPE" ? PHONETYPE : value == "PICTURECLIP" ? PICTURECLIP : IMAGE_NONE;
         return true;
     }

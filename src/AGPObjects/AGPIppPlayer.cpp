@@ -5,6 +5,7 @@
 #define AGP_LOG_SOURCE "./src/AGPObjects/AGPIppPlayer.cpp"
 
 #include <string>
+#include <string_view>
 
 #include "AGPCommandListener.h"
 #include "AGPGUIHandler.h"
@@ -13,6 +14,8 @@
 #include "AGPLog.h"
 #include "AGPObjectPool.h"
 #include "AGPPhoneletManager.h"
+
+using namespace std::string_view_literals;
 
 AGPIppPlayer::AGPIppPlayer()
     : mUrlCount(0, 1), mGaugeCount(0, 1), mState(STATE_NOT_GIVEN), mStateGiven(false), mMode(MODE_NOT_GIVEN),
@@ -39,17 +42,17 @@ bool AGPIppPlayer::addChild(AGPCommonBase& child) {
 }
 
 bool AGPIppPlayer::addAttribute(std::string& name, std::string& value) {
-    if (name == "State") {
+    if (name == "State"sv) {
         mState = parseAGPState(value);
         mStateGiven = mState != STATE_NOT_GIVEN;
         return mStateGiven;
     }
-    if (name == "Mode") {
+    if (name == "Mode"sv) {
         mMode = parseAGPMode(value);
         mModeGiven = mMode != MODE_NOT_GIVEN;
         return mModeGiven;
     }
-    if (name == "Key") {
+    if (name == "Key"sv) {
         delete mKey;
         mKey = AGPKey::parseAGPKey(value);
         mKeyGiven = !AGPObjectPool::isPooled(*mKey, AGPObjectPool::getAGPKey_PARSE_FAILED());

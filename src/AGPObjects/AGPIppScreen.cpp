@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <sstream>
+#include <string_view>
 
 #include "AGPCommandListener.h"
 #include "AGPDataObserver.h"
@@ -23,6 +24,8 @@
 #include "AGPUrl.h"
 #include "AGPUtils.h"
 #include "uri/GPALAdmin.h"
+
+using namespace std::string_view_literals;
 
 const std::string AGPIppScreen::AGPSound_PARSE_FAILED = "PARSE_FAILED";
 
@@ -95,23 +98,23 @@ bool AGPIppScreen::addChild(AGPCommonBase& child) {
 }
 
 bool AGPIppScreen::addAttribute(std::string& name, std::string& value) {
-    if (name == "ID") {
+    if (name == "ID"sv) {
         mID = parseCount(value);
         return true;
     }
-    if (name == "CommandCount") {
+    if (name == "CommandCount"sv) {
         mCommandCount = parseCount(value);
         return true;
     }
-    if (name == "HiddenCount") {
+    if (name == "HiddenCount"sv) {
         mHiddenCount = parseCount(value);
         return true;
     }
-    if (name == "History") {
+    if (name == "History"sv) {
         mHistory = value == "NO" ? HISTORY_NO : HISTORY_YES;
         return true;
     }
-    if (name == "Sound") {
+    if (name == "Sound"sv) {
         std::istringstream tokens(value);
         std::string first;
         if (!(tokens >> first)) {

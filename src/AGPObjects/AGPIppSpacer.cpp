@@ -1,8 +1,12 @@
 // An empty line between the items of a form.
 #include "AGPIppSpacer.h"
 
+#include <string_view>
+
 #include "AGPUtils.h"
 #include "display/TextField.h"
+
+using namespace std::string_view_literals;
 
 AGPIppSpacer::AGPIppSpacer()
     : mNewLine(NEWLINE_NOT_GIVEN), mNewLineGiven(false), mHeight(0), mWidth(0), mTextField(nullptr) {
@@ -15,16 +19,16 @@ AGPIppSpacer::~AGPIppSpacer() {
 }
 
 bool AGPIppSpacer::addAttribute(std::string& name, std::string& value) {
-    if (name == "NewLine") {
+    if (name == "NewLine"sv) {
         mNewLine = parseAGPNewLine(value);
         mNewLineGiven = mNewLine != NEWLINE_NOT_GIVEN;
         return mNewLineGiven;
     }
-    if (name == "Height") {
+    if (name == "Height"sv) {
         mHeight = parseAGPSize(value);
         return true;
     }
-    if (name == "Width") {
+    if (name == "Width"sv) {
         mWidth = parseAGPSize(value);
         return true;
     }

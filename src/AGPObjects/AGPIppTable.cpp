@@ -5,6 +5,7 @@
 #define AGP_LOG_SOURCE "./src/AGPObjects/AGPIppTable.cpp"
 
 #include <algorithm>
+#include <string_view>
 
 #include "AGPCommandListener.h"
 #include "AGPGUIHandler.h"
@@ -22,6 +23,8 @@
 #include "display/PopupConfirm.h"
 #include "display/Table.h"
 #include "display/TableItem.h"
+
+using namespace std::string_view_literals;
 
 namespace {
 
@@ -92,11 +95,11 @@ bool AGPIppTable::addChild(AGPCommonBase& child) {
 }
 
 bool AGPIppTable::addAttribute(std::string& name, std::string& value) {
-    if (name == "ColumnCount") {
+    if (name == "ColumnCount"sv) {
         mColumnCount = parseAGPColumnCount(value);
         return true;
     }
-    if (name == "Selectable") {
+    if (name == "Selectable"sv) {
         mSelectable = SELECTABLE_NO;
         return true;
     }

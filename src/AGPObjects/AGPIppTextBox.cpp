@@ -5,6 +5,7 @@
 #define AGP_LOG_SOURCE "./src/AGPObjects/AGPIppTextBox.cpp"
 
 #include <algorithm>
+#include <string_view>
 
 #include "AGPCommandListener.h"
 #include "AGPDataObserver.h"
@@ -25,6 +26,8 @@
 #include "display/PopupConfirm.h"
 #include "display/TextBox.h"
 #include "text/TranslationInfo.h"
+
+using namespace std::string_view_literals;
 
 namespace {
 
@@ -64,32 +67,32 @@ bool AGPIppTextBox::addChild(AGPCommonBase& child) {
 }
 
 bool AGPIppTextBox::addAttribute(std::string& name, std::string& value) {
-    if (name == "MaxSize") {
+    if (name == "MaxSize"sv) {
         mMaxSize = parseAGPMaxSize(value);
         return true;
     }
-    if (name == "Constraint") {
+    if (name == "Constraint"sv) {
         mConstraint = parseAGPConstraint(value);
         return true;
     }
-    if (name == "Password") {
+    if (name == "Password"sv) {
         mPassword = parseAGPPassword(value);
         return true;
     }
-    if (name == "Uneditable") {
+    if (name == "Uneditable"sv) {
         mUneditable = parseAGPUneditable(value);
         return true;
     }
-    if (name == "ExitAppearance") {
+    if (name == "ExitAppearance"sv) {
         mExitAppearance = parseAGPExitAppearance(value);
         return true;
     }
-    if (name == "Default") {
+    if (name == "Default"sv) {
         delete mDefault;
         mDefault = AGPDefault::parseAGPDefault(value);
         return !AGPObjectPool::isPooled(*mDefault, AGPObjectPool::getAGPDefault_PARSE_FAILED());
     }
-    if (name == "Key") {
+    if (name == "Key"sv) {
         delete mKey;
         mKey = AGPKey::parseAGPKey(value);
         return !AGPObjectPool::isPooled(*mKey, AGPObjectPool::getAGPKey_PARSE_FAILED());

@@ -1,6 +1,8 @@
 // A one-line labelled text entry of a form, contributing its key and the entered text.
 #include "AGPIppTextField.h"
 
+#include <string_view>
+
 #define AGP_LOG_MODULE "AGPObject"
 #define AGP_LOG_SOURCE "./src/AGPObjects/AGPIppTextField.cpp"
 
@@ -14,6 +16,8 @@
 #include "AGPUtils.h"
 #include "display/TextField.h"
 #include "text/TranslationInfo.h"
+
+using namespace std::string_view_literals;
 
 namespace {
 
@@ -54,7 +58,7 @@ bool AGPIppTextField::addChild(AGPCommonBase& child) {
 }
 
 bool AGPIppTextField::addAttribute(std::string& name, std::string& value) {
-    if (name == "Key") {
+    if (name == "Key"sv) {
         delete mKey;
         mKey = AGPKey::parseAGPKey(value);
         if (!AGPObjectPool::isPooled(*mKey, AGPObjectPool::getAGPKey_PARSE_FAILED())) {
@@ -65,22 +69,22 @@ bool AGPIppTextField::addAttribute(std::string& name, std::string& value) {
         mKey = new AGPKey("null");
         return false;
     }
-    if (name == "MaxSize") {
+    if (name == "MaxSize"sv) {
         return parseAGPMaxSize(value, mMaxSize);
     }
-    if (name == "Constraint") {
+    if (name == "Constraint"sv) {
         mConstraint = parseAGPConstraint(value);
         return true;
     }
-    if (name == "Password") {
+    if (name == "Password"sv) {
         mPassword = parseAGPPassword(value);
         return true;
     }
-    if (name == "Uneditable") {
+    if (name == "Uneditable"sv) {
         mUneditable = parseAGPUneditable(value);
         return true;
     }
-    if (name == "Default") {
+    if (name == "Default"sv) {
         delete mDefault;
         mDefault = AGPDefault::parseAGPDefault(value);
         return !AGPObjectPool::isPooled(*mDefault, AGPObjectPool::getAGPDefault_PARSE_FAILED());

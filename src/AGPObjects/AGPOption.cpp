@@ -6,6 +6,7 @@
 #define AGP_LOG_MODULE "AGPObject"
 #define AGP_LOG_SOURCE "./src/AGPObjects/AGPOption.cpp"
 
+#include <string_view>
 #include <vector>
 
 #include "AGPFColor.h"
@@ -22,6 +23,8 @@
 #include "AGPValue.h"
 #include "display/Image.h"
 #include "display/ListItem.h"
+
+using namespace std::string_view_literals;
 
 namespace {} // namespace
 
@@ -56,41 +59,41 @@ bool AGPOption::addChild(AGPCommonBase& child) {
 }
 
 bool AGPOption::addAttribute(std::string& name, std::string& value) {
-    if (name == "Key") {
+    if (name == "Key"sv) {
         delete mKey;
         mKey = AGPKey::parseAGPKey(value);
         mKeyGiven = true;
         return !AGPObjectPool::isPooled(*mKey, AGPObjectPool::getAGPKey_PARSE_FAILED());
     }
-    if (name == "Value") {
+    if (name == "Value"sv) {
         delete mValue;
         mValue = AGPValue::parseAGPValue(value);
         mValueGiven = true;
         return !AGPObjectPool::isPooled(*mValue, AGPObjectPool::getAGPValue_PARSE_FAILED());
     }
-    if (name == "Selected") {
+    if (name == "Selected"sv) {
         mSelected = value == "TRUE" ? SELECTED_TRUE : value == "FALSE" ? SELECTED_FALSE : SELECTED_NOT_GIVEN;
         mSelectedGiven = mSelected != SELECTED_NOT_GIVEN;
         return mSelectedGiven;
     }
-    if (name == "ID") {
+    if (name == "ID"sv) {
         int number = 0;
         mID = AGPUtils::stringToInt(value, number) && number >= 0 ? static_cast<std::uint32_t>(number) : 0;
         return true;
     }
-    if (name == "FColor") {
+    if (name == "FColor"sv) {
         return AGPObjectPool::replaceColor(mFColor, value, &AGPFColor::parseAGPFColor,
                                            AGPObjectPool::getAGPFColor_PARSE_FAILED());
     }
-    if (name == "TColor") {
+    if (name == "TColor"sv) {
         return AGPObjectPool::replaceColor(mTColor, value, &AGPTColor::parseAGPTColor,
                                            AGPObjectPool::getAGPTColor_PARSE_FAILED());
     }
-    if (name == "SFColor") {
+    if (name == "SFColor"sv) {
         return AGPObjectPool::replaceColor(mSFColor, value, &AGPSFColor::parseAGPSFColor,
                                            AGPObjectPool::getAGPSFColor_PARSE_FAILED());
     }
-    if (name == "STColor") {
+    if (name == "STColor"sv) {
         return AGPObjectPool::replaceColor(mSTColor, value, &AGPSTColor::parseAGPSTColor,
                                            AGPObjectPool::getAGPSTColor_PARSE_FAILED());
     }

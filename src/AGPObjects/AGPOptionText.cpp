@@ -1,7 +1,11 @@
 // One text of a list or choice-group option, possibly greyed.
 #include "AGPOptionText.h"
 
+#include <string_view>
+
 #include "AGPIppPhoneNumber.h"
+
+using namespace std::string_view_literals;
 
 #define AGP_LOG_MODULE "AGPObject"
 #define AGP_LOG_SOURCE "./src/AGPObjects/AGPOptionText.cpp"
@@ -22,7 +26,7 @@ bool AGPOptionText::addChild(AGPCommonBase& child) {
 }
 
 bool AGPOptionText::addAttribute(std::string& name, std::string& value) {
-    if (name == "State") {
+    if (name == "State"sv) {
         mState = parseAGPState(value);
         return true;
     }

@@ -5,6 +5,7 @@
 #define AGP_LOG_SOURCE "./src/AGPObjects/AGPRow.cpp"
 
 #include <algorithm>
+#include <string_view>
 
 #include "AGPCell.h"
 #include "AGPGUIHandler.h"
@@ -22,6 +23,8 @@
 #include "display/Display.h"
 #include "display/MenuCommand.h"
 #include "display/TableItem.h"
+
+using namespace std::string_view_literals;
 
 namespace {
 
@@ -59,7 +62,7 @@ bool AGPRow::addChild(AGPCommonBase& child) {
 }
 
 bool AGPRow::addAttribute(std::string& name, std::string& value) {
-    if (name == "Key") {
+    if (name == "Key"sv) {
         AGPKey* key = AGPKey::parseAGPKey(value);
         if (AGPObjectPool::isPooled(*key, AGPObjectPool::getAGPKey_PARSE_FAILED())) {
             delete key;
@@ -70,7 +73,7 @@ bool AGPRow::addAttribute(std::string& name, std::string& value) {
         mKeyGiven = true;
         return true;
     }
-    if (name == "Value") {
+    if (name == "Value"sv) {
         AGPValue* parsed = AGPValue::parseAGPValue(value);
         if (AGPObjectPool::isPooled(*parsed, AGPObjectPool::getAGPValue_PARSE_FAILED())) {
             delete parsed;
@@ -81,11 +84,11 @@ bool AGPRow::addAttribute(std::string& name, std::string& value) {
         mValueGiven = true;
         return true;
     }
-    if (name == "LineCount") {
+    if (name == "LineCount"sv) {
         mLineCount = AGPHeader::parseAGPCount(value, 2);
         return true;
     }
-    if (name == "CommandCount") {
+    if (name == "CommandCount"sv) {
         int number = 0;
         mCommandCount =
             AGPUtils::stringToInt(value, number) && number >= 0 ? static_cast<std::uint32_t>(number) : 0;

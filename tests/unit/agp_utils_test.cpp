@@ -12,6 +12,16 @@ TEST(AGPUtils, NumbersTrimmingAndEscaping) {
     EXPECT_FALSE(AGPUtils::stringToInt("abc", number));
     EXPECT_FALSE(AGPUtils::stringToInt("", number));
     EXPECT_FALSE(AGPUtils::stringToInt("99999999999", number)) << "out of range sets the fail state";
+    EXPECT_TRUE(AGPUtils::stringToInt("\n+5", number));
+    EXPECT_EQ(number, 5);
+    EXPECT_TRUE(AGPUtils::stringToInt("-2147483648", number));
+    EXPECT_EQ(number, -2147483648);
+    EXPECT_FALSE(AGPUtils::stringToInt("2147483648", number));
+    EXPECT_FALSE(AGPUtils::stringToInt("+-5", number));
+    EXPECT_FALSE(AGPUtils::stringToInt("- 5", number));
+    unsigned int wrapped = 0;
+    EXPECT_TRUE(AGPUtils::stringToUnsignedInt("-1", wrapped)) << "a minus sign wraps, as with strtoul";
+    EXPECT_EQ(wrapped, 4294967295u);
     unsigned long big = 0;
     EXPECT_TRUE(AGPUtils::stringToUnsignedLong("4294967296", big));
     EXPECT_EQ(big, 4294967296UL);

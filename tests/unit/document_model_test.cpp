@@ -3,10 +3,13 @@
 
 #include <limits>
 #include <memory>
+#include <random>
+#include <unordered_map>
 
 #include "AGPCommonBase.h"
 #include "AGPDefault.h"
 #include "AGPFColor.h"
+#include "AGPIdTable.h"
 #include "AGPKey.h"
 #include "AGPObjectMap.h"
 #include "AGPObjectPool.h"
@@ -100,6 +103,47 @@ TEST_F(DocumentModel, RegistryCounterGoesRoundOntoFreeIdentifiers) {
         delete title;
     }
     EXPECT_EQ(registry().size(), 0u);
+}
+
+// The table against a standard map through random additions and removals: long probe runs
+// (counting identifiers and far ones that meet them), growth to a large tree and shrinking after.
+TEST(AGPIdTable, AgreesWithAStandardMapThroughGrowthAndShrinking) {
+    AGPIdTable table;
+    std::unordered_map<AGPId, AGPCommonBase*> expected;
+    std::mt19937 random(7);
+    const auto element = [](AGPId id) {
+        return reinterpret_cast<AGPCommonBase*>(static_cast<uintptr_t>(id) * 16);
+    };
+    const auto check = [&] {
+        ASSERT_EQ(table.size(), expected.size());
+        for (const auto& entry : expected) {
+            ASSERT_EQ(table.find(entry.first), entry.second) << entry.first;
+        }
+    };
+    AGPId next = 1;
+    for (int step = 0; step < 60000; ++step) {
+        if (random() % 3 != 0 || expected.empty()) {
+            const AGPId id = random() % 16 == 0 ? static_cast<AGPId>(random()) | 1u : next++;
+            EXPECT_EQ(table.insert(id, element(id)), expected.emplace(id, element(id)).second);
+        } else {
+            const AGPId id = std::next(expected.begin(), random() % expected.size())->first;
+            EXPECT_EQ(table.take(id), element(id));
+            expected.erase(id);
+            EXPECT_EQ(table.take(id), nullptr);
+        }
+    }
+    check();
+    EXPECT_GT(table.capacity(), 2 * table.size() - 1);
+    const std::size_t grown = table.capacity();
+    while (expected.size() > 10) {
+        const AGPId id = expected.begin()->first;
+        EXPECT_EQ(table.take(id), element(id));
+        expected.erase(id);
+    }
+    check();
+    EXPECT_LT(table.capacity(), grown) << "the array shrinks once the tree has gone";
+    EXPECT_FALSE(table.insert(0, element(1))) << "0 means no element";
+    EXPECT_EQ(table.find(0), nullptr);
 }
 
 TEST_F(DocumentModel, TreeListingDeletionAndNavigation) {

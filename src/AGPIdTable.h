@@ -1,0 +1,44 @@
+// The registry's table of elements by identifier: open addressing on a flat array.
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "AGPTypes.h"
+
+class AGPCommonBase;
+
+// Identifier to element, without an allocation per entry: linear probing on a power-of-two array
+// that is at most half full, deletion by shifting the following entries back (no markers left
+// behind). Identifiers are handed out counting up, so a multiplicative hash spreads neighbours
+// over the array. The array shrinks again once a large document has gone. Identifier 0 is never
+// stored. Not thread-safe: the registry guards it with its lock.
+class AGPIdTable {
+public:
+    AGPIdTable();
+
+    // The element of `id`, or null.
+    AGPCommonBase* find(AGPId id) const;
+    // Adds `id`; false (and nothing changed) when it is there already or is 0.
+    bool insert(AGPId id, AGPCommonBase* element);
+    // Removes `id` and answers its element, or null when it was not there.
+    AGPCommonBase* take(AGPId id);
+    std::size_t size() const { return mCount; }
+    std::size_t capacity() const { return mSlots.size(); }
+
+private:
+    struct Slot {
+        AGPId id = 0; // 0: empty
+        AGPCommonBase* element = nullptr;
+    };
+    static constexpr std::size_t kMinimumSlots = 8192;
+
+    std::size_t homeOf(AGPId id) const;
+    std::size_t next(std::size_t index) const { return (index + 1) & (mSlots.size() - 1); }
+    std::size_t indexOf(AGPId id) const; // of `id`, or of the empty slot where the search ended
+    void rebuild(std::size_t slots);
+
+    std::vector<Slot> mSlots;
+    std::size_t mShift; // 64 minus log2 of the slot count
+    std::size_t mCount = 0;
+};
