@@ -1,15 +1,16 @@
 // The registry's table of elements by identifier: open addressing on a flat array.
 #include "AGPIdTable.h"
 
-#include <cstdint>
-
 AGPIdTable::AGPIdTable() {
     rebuild(kMinimumSlots);
 }
 
-// Fibonacci hashing: the top bits of the identifier times 2^64 / golden ratio.
+// Identifiers are handed out counting up and the live ones span less than the array, so the
+// low bits alone place them side by side without collisions; neighbours in a tree stay
+// neighbours in memory (a scattering hash made every registration of a large document a cache
+// miss).
 std::size_t AGPIdTable::homeOf(AGPId id) const {
-    return static_cast<std::size_t>((static_cast<std::uint64_t>(id) * 11400714819323198485ULL) >> mShift);
+    return static_cast<std::size_t>(id) & (mSlots.size() - 1);
 }
 
 std::size_t AGPIdTable::indexOf(AGPId id) const {
@@ -32,7 +33,7 @@ bool AGPIdTable::insert(AGPId id, AGPCommonBase* element) {
     if (id == 0) {
         return false;
     }
-    if (2 * (mCount + 1) > mSlots.size()) {
+    if (4 * (mCount + 1) > 3 * mSlots.size()) {
         rebuild(2 * mSlots.size());
     }
     Slot& slot = mSlots[indexOf(id)];
@@ -67,19 +68,12 @@ AGPCommonBase* AGPIdTable::take(AGPId id) {
     }
     mSlots[hole] = Slot();
     --mCount;
-    if (mSlots.size() > kMinimumSlots && 8 * mCount < mSlots.size()) {
-        rebuild(mSlots.size() / 2);
-    }
     return element;
 }
 
 void AGPIdTable::rebuild(std::size_t slots) {
     std::vector<Slot> old(slots);
     old.swap(mSlots);
-    mShift = 64;
-    for (std::size_t size = slots; size > 1; size >>= 1) {
-        --mShift;
-    }
     mCount = 0;
     for (const Slot& slot : old) {
         if (slot.id != 0) {

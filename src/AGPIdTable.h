@@ -9,10 +9,12 @@
 class AGPCommonBase;
 
 // Identifier to element, without an allocation per entry: linear probing on a power-of-two array
-// that is at most half full, deletion by shifting the following entries back (no markers left
-// behind). Identifiers are handed out counting up, so a multiplicative hash spreads neighbours
-// over the array. The array shrinks again once a large document has gone. Identifier 0 is never
-// stored. Not thread-safe: the registry guards it with its lock.
+// that is at most three quarters full, deletion by shifting the following entries back (no
+// markers left behind). Identifiers are handed out counting up, so their low bits place them.
+// The array keeps the size the largest tree needed (16 bytes an element; the document bound
+// keeps that to a few MB): shrinking and growing again with every large document cost more in
+// page faults than the parse itself. Identifier 0 is never stored. Not thread-safe: the registry
+// guards it with its lock.
 class AGPIdTable {
 public:
     AGPIdTable();
@@ -31,7 +33,7 @@ private:
         AGPId id = 0; // 0: empty
         AGPCommonBase* element = nullptr;
     };
-    static constexpr std::size_t kMinimumSlots = 8192;
+    static constexpr std::size_t kMinimumSlots = 1024;
 
     std::size_t homeOf(AGPId id) const;
     std::size_t next(std::size_t index) const { return (index + 1) & (mSlots.size() - 1); }
@@ -39,6 +41,5 @@ private:
     void rebuild(std::size_t slots);
 
     std::vector<Slot> mSlots;
-    std::size_t mShift; // 64 minus log2 of the slot count
     std::size_t mCount = 0;
 };

@@ -99,6 +99,10 @@ Displayable::~Displayable() {
 }
 
 void Displayable::retire() {
+    if (mRetired) {
+        return;
+    }
+    mRetired = true;
     {
         core::Lock lock(core::mutex());
         if (!mLife.ended()) {

@@ -148,6 +148,9 @@ private:
     MenuModel mMenu;
     bool mMenuOpen = false;
     core::Lifetime mLife;
+    // Set by the first retire(), in the most derived destructor; the base destructors' calls,
+    // on the same thread, then have nothing left to do.
+    bool mRetired = false;
 };
 
 } // namespace DisplayAPI

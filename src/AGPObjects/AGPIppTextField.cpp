@@ -30,8 +30,8 @@ AGPDefault* newParseFailedDefault() {
 
 AGPIppTextField::AGPIppTextField()
     : mLabelCount(0, 1), mTextCount(0, 1), mMaxSize(MAXSIZE_NONE), mConstraint(CONSTRAINT_ANY),
-      mPassword(PASSWORD_NO), mUneditable(UNEDITABLE_NO), mDefault(newParseFailedDefault()),
-      mKey(new AGPKey("null")), mTextField(nullptr) {
+      mPassword(PASSWORD_NO), mUneditable(UNEDITABLE_NO), mDefault(nullptr), mKey(nullptr),
+      mTextField(nullptr) {
     registerElement();
 }
 
@@ -176,15 +176,30 @@ void AGPIppTextField::createAndInitDisplayElements(bool fromDocument) {
     mTextField->setOwnerId(mAGPId);
 }
 
+// Both are made only when asked for before a document gave them: most fields give them.
+AGPDefault* AGPIppTextField::getAGPDefault() {
+    if (mDefault == nullptr) {
+        mDefault = newParseFailedDefault();
+    }
+    return mDefault;
+}
+
+AGPKey* AGPIppTextField::getAGPKey() {
+    if (mKey == nullptr) {
+        mKey = new AGPKey("null");
+    }
+    return mKey;
+}
+
 std::string AGPIppTextField::getTextFromXml() {
     std::string text;
-    if (AGPObjectPool::isPooled(*mDefault, AGPObjectPool::getAGPDefault_TEXT(), "TEXT")) {
+    const AGPDefault& given = *getAGPDefault();
+    if (AGPObjectPool::isPooled(given, AGPObjectPool::getAGPDefault_TEXT(), "TEXT")) {
         AGPCommonBase* child = getChildByType(AGPObjectTypeInfo::ti_Text);
         if (child != nullptr) {
             text = child->getContent();
         }
-    } else if (AGPObjectPool::isPooled(*mDefault, AGPObjectPool::getAGPDefault_PHONENUMBER(),
-                                       "PHONENUMBER")) {
+    } else if (AGPObjectPool::isPooled(given, AGPObjectPool::getAGPDefault_PHONENUMBER(), "PHONENUMBER")) {
         AGPDataObserver* configuration = AGPPhoneletManager::findAGPDataObserver();
         if (configuration != nullptr) {
             text = configuration->getSubscriberNumber();

@@ -66,8 +66,8 @@ public:
     void setAGPPassword(AGPPassword password) { mPassword = password; }
     AGPUneditable getAGPUneditable() const { return mUneditable; }
     void setAGPUneditable(AGPUneditable uneditable) { mUneditable = uneditable; }
-    AGPDefault* getAGPDefault() const { return mDefault; }
-    AGPKey* getAGPKey() const { return mKey; }
+    AGPDefault* getAGPDefault();
+    AGPKey* getAGPKey();
     // The text committed last: what Cancel on the form's alert returns to.
     const std::string& getCommittedText() const { return mText; }
 
