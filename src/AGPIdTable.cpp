@@ -1,49 +1,75 @@
 // The registry's table of elements by identifier: open addressing on a flat array.
 #include "AGPIdTable.h"
 
+#include <utility>
+
 AGPIdTable::AGPIdTable() {
     rebuild(kMinimumSlots);
 }
 
 // Identifiers are handed out counting up and the live ones span less than the array, so the
-// low bits alone place them side by side without collisions; neighbours in a tree stay
-// neighbours in memory (a scattering hash made every registration of a large document a cache
-// miss).
+// low bits alone place them side by side, nearly all in their home slot; neighbours in a tree
+// stay neighbours in memory (a scattering hash made every registration of a large document a
+// cache miss).
 std::size_t AGPIdTable::homeOf(AGPId id) const {
     return static_cast<std::size_t>(id) & (mSlots.size() - 1);
 }
 
+std::size_t AGPIdTable::distanceOf(std::size_t index) const {
+    return (index - homeOf(mSlots[index].id)) & (mSlots.size() - 1);
+}
+
+// Entries keep "robin hood" order: along a run, no entry is further from its home than the one
+// after it would be in its place. A search ends at the first entry closer to home than itself,
+// and a removal shifts back only the displaced entries after it; with packed identifiers both
+// stop at once instead of walking the whole run of live identifiers.
 std::size_t AGPIdTable::indexOf(AGPId id) const {
     std::size_t index = homeOf(id);
-    while (mSlots[index].id != 0 && mSlots[index].id != id) {
-        index = next(index);
+    for (std::size_t distance = 0;; ++distance, index = next(index)) {
+        const AGPId there = mSlots[index].id;
+        if (there == id) {
+            return index;
+        }
+        if (there == 0 || distanceOf(index) < distance) {
+            return kNowhere;
+        }
     }
-    return index;
 }
 
 AGPCommonBase* AGPIdTable::find(AGPId id) const {
     if (id == 0) {
         return nullptr;
     }
-    const Slot& slot = mSlots[indexOf(id)];
-    return slot.id == id ? slot.element : nullptr;
+    const std::size_t index = indexOf(id);
+    return index == kNowhere ? nullptr : mSlots[index].element;
 }
 
 bool AGPIdTable::insert(AGPId id, AGPCommonBase* element) {
-    if (id == 0) {
+    if (id == 0 || indexOf(id) != kNowhere) {
         return false;
     }
     if (4 * (mCount + 1) > 3 * mSlots.size()) {
         rebuild(2 * mSlots.size());
     }
-    Slot& slot = mSlots[indexOf(id)];
-    if (slot.id == id) {
-        return false;
-    }
-    slot.id = id;
-    slot.element = element;
+    place(Slot{id, element});
     ++mCount;
     return true;
+}
+
+// Walks from the entry's home; an entry nearer its own home gives up its slot and moves on.
+void AGPIdTable::place(Slot entry) {
+    std::size_t index = homeOf(entry.id);
+    for (std::size_t distance = 0;; ++distance, index = next(index)) {
+        if (mSlots[index].id == 0) {
+            mSlots[index] = entry;
+            return;
+        }
+        const std::size_t theirs = distanceOf(index);
+        if (theirs < distance) {
+            std::swap(entry, mSlots[index]);
+            distance = theirs;
+        }
+    }
 }
 
 AGPCommonBase* AGPIdTable::take(AGPId id) {
@@ -51,20 +77,14 @@ AGPCommonBase* AGPIdTable::take(AGPId id) {
         return nullptr;
     }
     std::size_t hole = indexOf(id);
-    if (mSlots[hole].id != id) {
+    if (hole == kNowhere) {
         return nullptr;
     }
     AGPCommonBase* const element = mSlots[hole].element;
-    // Later entries of the same run move back into the hole when their search passes through it,
-    // so that every search still meets its entry before an empty slot.
-    for (std::size_t index = next(hole); mSlots[index].id != 0; index = next(index)) {
-        const std::size_t home = homeOf(mSlots[index].id);
-        const bool homeAfterHole =
-            hole <= index ? (home > hole && home <= index) : (home > hole || home <= index);
-        if (!homeAfterHole) {
-            mSlots[hole] = mSlots[index];
-            hole = index;
-        }
+    for (std::size_t index = next(hole); mSlots[index].id != 0 && distanceOf(index) != 0;
+         index = next(index)) {
+        mSlots[hole] = mSlots[index];
+        hole = index;
     }
     mSlots[hole] = Slot();
     --mCount;
@@ -74,11 +94,9 @@ AGPCommonBase* AGPIdTable::take(AGPId id) {
 void AGPIdTable::rebuild(std::size_t slots) {
     std::vector<Slot> old(slots);
     old.swap(mSlots);
-    mCount = 0;
     for (const Slot& slot : old) {
         if (slot.id != 0) {
-            mSlots[indexOf(slot.id)] = slot;
-            ++mCount;
+            place(slot);
         }
     }
 }

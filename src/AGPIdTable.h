@@ -8,13 +8,13 @@
 
 class AGPCommonBase;
 
-// Identifier to element, without an allocation per entry: linear probing on a power-of-two array
-// that is at most three quarters full, deletion by shifting the following entries back (no
-// markers left behind). Identifiers are handed out counting up, so their low bits place them.
-// The array keeps the size the largest tree needed (16 bytes an element; the document bound
-// keeps that to a few MB): shrinking and growing again with every large document cost more in
-// page faults than the parse itself. Identifier 0 is never stored. Not thread-safe: the registry
-// guards it with its lock.
+// Identifier to element, without an allocation per entry: linear probing in robin hood order
+// on a power-of-two array that is at most three quarters full, deletion by shifting the
+// following entries back (no markers left behind). Identifiers are handed out counting up, so
+// their low bits place them. The array keeps the size the largest tree needed (16 bytes an
+// element; the document bound keeps that to a few MB): shrinking and growing again with every
+// large document cost more in page faults than the parse itself. Identifier 0 is never stored.
+// Not thread-safe: the registry guards it with its lock.
 class AGPIdTable {
 public:
     AGPIdTable();
@@ -34,10 +34,15 @@ private:
         AGPCommonBase* element = nullptr;
     };
     static constexpr std::size_t kMinimumSlots = 1024;
+    static constexpr std::size_t kNowhere = ~std::size_t(0);
 
     std::size_t homeOf(AGPId id) const;
     std::size_t next(std::size_t index) const { return (index + 1) & (mSlots.size() - 1); }
-    std::size_t indexOf(AGPId id) const; // of `id`, or of the empty slot where the search ended
+    // How far the entry in `index` sits from its home slot.
+    std::size_t distanceOf(std::size_t index) const;
+    // The slot of `id`, or kNowhere.
+    std::size_t indexOf(AGPId id) const;
+    void place(Slot entry);
     void rebuild(std::size_t slots);
 
     std::vector<Slot> mSlots;

@@ -131,6 +131,9 @@ TEST(AGPIdTable, AgreesWithAStandardMapThroughGrowthAndShrinking) {
             expected.erase(id);
             EXPECT_EQ(table.take(id), nullptr);
         }
+        if (step % 5000 == 0) {
+            check();
+        }
     }
     check();
     EXPECT_GE(3 * table.capacity(), 4 * table.size());
