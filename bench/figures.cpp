@@ -535,7 +535,8 @@ void processFigures() {
             break;
         }
     }
-    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    // agp-phone gives freed memory back once its screen has been quiet for a second.
+    std::this_thread::sleep_for(std::chrono::milliseconds(1500));
     const double after = static_cast<double>(phone.residentKb()) / 1024.0;
     record("resident_growth_60_documents_1mb", "MB", after - before, NAN, 20.0);
 }
