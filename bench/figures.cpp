@@ -500,7 +500,8 @@ void processFigures() {
             }
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        // Idle: past the second of quiet after which agp-phone gives freed memory back.
+        std::this_thread::sleep_for(std::chrono::milliseconds(1500));
         idleMb.push_back(static_cast<double>(phone.residentKb()) / 1024.0);
     }
     record("start_to_first_screen", "ms", median(startMillis), NAN, 55.0);

@@ -1,18 +1,22 @@
 // The registry's table of elements by identifier: open addressing on a flat array.
 #include "AGPIdTable.h"
 
+#include <cstdint>
 #include <utility>
 
 AGPIdTable::AGPIdTable() {
     rebuild(kMinimumSlots);
 }
 
-// Identifiers are handed out counting up and the live ones span less than the array, so the
-// low bits alone place them side by side, nearly all in their home slot; neighbours in a tree
-// stay neighbours in memory (a scattering hash made every registration of a large document a
-// cache miss).
+// Identifiers are handed out counting up. Sixteen consecutive ones share a block of slots, so
+// neighbours in a tree stay neighbours in memory (a hash scattering each identifier made every
+// registration of a large document a cache miss); the blocks themselves are scattered by
+// Fibonacci hashing, so that long-lived elements (the pool, cached screens) never form a wall
+// that every new identifier after them has to walk along (placing by the low bits alone did).
 std::size_t AGPIdTable::homeOf(AGPId id) const {
-    return static_cast<std::size_t>(id) & (mSlots.size() - 1);
+    const std::uint64_t block =
+        (static_cast<std::uint64_t>(id >> kBlockBits) * 11400714819323198485ULL) >> mShift;
+    return static_cast<std::size_t>(block << kBlockBits) | (id & ((1u << kBlockBits) - 1));
 }
 
 std::size_t AGPIdTable::distanceOf(std::size_t index) const {
@@ -94,6 +98,10 @@ AGPCommonBase* AGPIdTable::take(AGPId id) {
 void AGPIdTable::rebuild(std::size_t slots) {
     std::vector<Slot> old(slots);
     old.swap(mSlots);
+    mShift = 64 + kBlockBits;
+    for (std::size_t size = slots; size > 1; size >>= 1) {
+        --mShift;
+    }
     for (const Slot& slot : old) {
         if (slot.id != 0) {
             place(slot);

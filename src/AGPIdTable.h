@@ -10,11 +10,11 @@ class AGPCommonBase;
 
 // Identifier to element, without an allocation per entry: linear probing in robin hood order
 // on a power-of-two array that is at most three quarters full, deletion by shifting the
-// following entries back (no markers left behind). Identifiers are handed out counting up, so
-// their low bits place them. The array keeps the size the largest tree needed (16 bytes an
-// element; the document bound keeps that to a few MB): shrinking and growing again with every
-// large document cost more in page faults than the parse itself. Identifier 0 is never stored.
-// Not thread-safe: the registry guards it with its lock.
+// following entries back (no markers left behind). Identifiers are handed out counting up; runs
+// of sixteen stay together, the runs are scattered. The array keeps the size the largest tree
+// needed (16 bytes an element; the document bound keeps that to a few MB): shrinking and growing
+// again with every large document cost more in page faults than the parse itself. Identifier 0
+// is never stored. Not thread-safe: the registry guards it with its lock.
 class AGPIdTable {
 public:
     AGPIdTable();
@@ -35,6 +35,7 @@ private:
     };
     static constexpr std::size_t kMinimumSlots = 1024;
     static constexpr std::size_t kNowhere = ~std::size_t(0);
+    static constexpr unsigned kBlockBits = 4;
 
     std::size_t homeOf(AGPId id) const;
     std::size_t next(std::size_t index) const { return (index + 1) & (mSlots.size() - 1); }
@@ -47,4 +48,5 @@ private:
 
     std::vector<Slot> mSlots;
     std::size_t mCount = 0;
+    unsigned mShift = 64; // 64 minus the bits of a block number
 };

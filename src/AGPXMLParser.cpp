@@ -12,6 +12,15 @@
 
 #include "AGPCommonBase.h"
 #include "AGPLog.h"
+
+// The element-by-element trace: whether anyone takes it is asked once a document, not for every
+// element, attribute and text piece (a level change applies from the next document).
+#define AGP_TRACE(state, ...)                                                                                \
+    do {                                                                                                     \
+        if ((state).mTrace) {                                                                                \
+            AGP_LOG(6, __VA_ARGS__);                                                                         \
+        }                                                                                                    \
+    } while (0)
 #include "AGPObjectMap.h"
 #include "AGPPhonelet.h"
 #include "AGPPhoneletManager.h"
@@ -105,6 +114,7 @@ bool AGPXMLParser::parseXMLData(std::string& data, AGPCommonBase*& root) {
     root = nullptr;
     mParseLock->take(-1);
     AGPXMLParseState state;
+    state.mTrace = loggingOnAppUni(AGP_LOG_MODULE, 6);
     AGP_LOG(5, "Start parsing %d bytes of XML data\n", static_cast<int>(data.size()));
 
     mXMLParser = XML_ParserCreate(nullptr);
@@ -176,17 +186,17 @@ void AGPXMLParser::xmlStartElement(void* statePointer, const char* name, const c
         ++state.mLevel;
         return;
     }
-    AGP_LOG(6, "Element [%s] created (level %d)", name, state.mLevel);
+    AGP_TRACE(state, "Element [%s] created (level %d)", name, state.mLevel);
 
     for (const char** attribute = attributes; attribute[0] != nullptr; attribute += 2) {
         state.mName.assign(attribute[0]);
         state.mValue.assign(attribute[1]);
         if (element->addAttribute(state.mName, state.mValue)) {
-            AGP_LOG(6, "Attribute [%s]=[%s] added to element [%s] (level %d)", attribute[0], attribute[1],
-                    name, state.mLevel);
+            AGP_TRACE(state, "Attribute [%s]=[%s] added to element [%s] (level %d)", attribute[0],
+                      attribute[1], name, state.mLevel);
         } else {
-            AGP_LOG(6, "Couldn't set attribute [%s]=[%s] to element [%s] (level %d)", attribute[0],
-                    attribute[1], name, state.mLevel);
+            AGP_TRACE(state, "Couldn't set attribute [%s]=[%s] to element [%s] (level %d)", attribute[0],
+                      attribute[1], name, state.mLevel);
         }
     }
 
@@ -214,7 +224,7 @@ void AGPXMLParser::xmlEndElement(void* statePointer, const char* name) {
         return;
     }
     deleteRefusedChild(state);
-    AGP_LOG(6, "End element [%s] (level %d)\n", name, state.mLevel);
+    AGP_TRACE(state, "End element [%s] (level %d)\n", name, state.mLevel);
 }
 
 // The current element ends: its parent becomes current, and an element its parent refused is
@@ -255,11 +265,11 @@ void AGPXMLParser::xmlCharacterDataHandler(void* statePointer, const char* text,
         return;
     }
     if (current->addContent(piece)) {
-        AGP_LOG(6, "Content [%s] added to element [%s] (level %d)\n", piece.c_str(), typeNameOf(current),
-                state.mLevel);
+        AGP_TRACE(state, "Content [%s] added to element [%s] (level %d)\n", piece.c_str(),
+                  typeNameOf(current), state.mLevel);
     } else {
-        AGP_LOG(6, "Couldn't add content [%s] to element [%s] (level %d)", piece.c_str(), typeNameOf(current),
-                state.mLevel);
+        AGP_TRACE(state, "Couldn't add content [%s] to element [%s] (level %d)", piece.c_str(),
+                  typeNameOf(current), state.mLevel);
     }
 }
 

@@ -21,6 +21,8 @@ struct AGPXMLParseState {
     std::vector<bool> mAccepted;
     // Elements begun so far; every so many, the parse asks whether the phonelet is stopping.
     unsigned int mElementsBegun = 0;
+    // Whether the element-by-element trace (level 6) is taken, asked once a document.
+    bool mTrace = false;
     // Reused for each name, attribute and text piece handed to the elements, so that a long one
     // costs no allocation after the first.
     std::string mName;
