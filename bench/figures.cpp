@@ -3,8 +3,6 @@
 #include <expat.h>
 #include <httplib.h>
 #include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -17,7 +15,6 @@
 #include <functional>
 #include <mutex>
 #include <nlohmann/json.hpp>
-#include <regex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -29,11 +26,10 @@
 #include "AGPObjectPool.h"
 #include "AGPPhoneletManager.h"
 #include "AGPXMLParser.h"
+#include "ChildProcess.h"
 #include "PhoneJournal.h"
 #include "display/Display.h"
 #include "events/EventLoop.h"
-
-extern char** environ;
 
 namespace {
 
@@ -324,87 +320,29 @@ private:
 class PhoneProcess {
 public:
     // `extra` arguments come after the usual ones (a later --config adds to --url's entry).
-    PhoneProcess(int serverPort, const std::string& name, const std::vector<std::string>& extra = {}) {
-        int fds[2];
-        if (pipe(fds) != 0) {
-            return;
-        }
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_adddup2(&actions, fds[1], 1);
-        posix_spawn_file_actions_addclose(&actions, fds[0]);
-        std::vector<std::string> arguments = {
-            AGP_PHONE_PATH, "--url",  "http://127.0.0.1:" + std::to_string(serverPort) + "/start",
-            "--app",        name,     "--push",
-            "off",          "--http", "127.0.0.1:0",
-            "--headless"};
-        arguments.insert(arguments.end(), extra.begin(), extra.end());
-        std::vector<char*> argv;
-        for (std::string& argument : arguments) {
-            argv.push_back(&argument[0]);
-        }
-        argv.push_back(nullptr);
-        mStarted = Clock::now();
-        if (posix_spawn(&mPid, AGP_PHONE_PATH, &actions, nullptr, argv.data(), environ) != 0) {
-            mPid = 0;
-        }
-        posix_spawn_file_actions_destroy(&actions);
-        close(fds[1]);
-        mOutput = fdopen(fds[0], "r");
-        readControlPort();
+    PhoneProcess(int serverPort, const std::string& name, const std::vector<std::string>& extra = {})
+        : mProcess(AGP_PHONE_PATH,
+                   withExtra({"--url", "http://127.0.0.1:" + std::to_string(serverPort) + "/start", "--app",
+                              name, "--push", "off", "--http", "127.0.0.1:0", "--headless"},
+                             extra)) {
+        const std::string port = mProcess.waitForOutput("control API at http://127.0.0.1:([0-9]+)/api/");
+        mControlPort = port.empty() ? 0 : std::stoi(port);
     }
-    ~PhoneProcess() {
-        if (mPid > 0) {
-            kill(mPid, SIGTERM);
-            waitpid(mPid, nullptr, 0);
-        }
-        if (mOutput != nullptr) {
-            fclose(mOutput);
-        }
-    }
+    ~PhoneProcess() { mProcess.stop(); }
 
     int controlPort() const { return mControlPort; }
-    Clock::time_point started() const { return mStarted; }
-
-    // Resident memory in kB, from the kernel's account of the process.
-    long residentKb() const {
-        std::ifstream status("/proc/" + std::to_string(mPid) + "/status");
-        std::string line;
-        while (std::getline(status, line)) {
-            if (line.rfind("VmRSS:", 0) == 0) {
-                return std::stol(line.substr(6));
-            }
-        }
-        return -1;
-    }
+    Clock::time_point started() const { return mProcess.startedAt(); }
+    long residentKb() const { return mProcess.residentKb(); }
 
 private:
-    void readControlPort() {
-        if (mOutput == nullptr) {
-            return;
-        }
-        const std::regex pattern("control API at http://127.0.0.1:([0-9]+)/api/");
-        char line[512];
-        while (std::fgets(line, sizeof line, mOutput) != nullptr) {
-            std::cmatch match;
-            if (std::regex_search(line, match, pattern)) {
-                mControlPort = std::stoi(match[1].str());
-                break;
-            }
-        }
-        // The rest of the output is drained so that the phone never blocks on a full pipe.
-        std::thread([output = mOutput] {
-            char buffer[4096];
-            while (std::fread(buffer, 1, sizeof buffer, output) > 0) {
-            }
-        }).detach();
-        mOutput = nullptr; // the drainer owns it now; it ends when the phone does
+    static std::vector<std::string> withExtra(std::vector<std::string> arguments,
+                                              const std::vector<std::string>& extra) {
+        arguments.insert(arguments.end(), extra.begin(), extra.end());
+        return arguments;
     }
 
-    pid_t mPid = 0;
-    FILE* mOutput = nullptr;
+    ChildProcess mProcess;
     int mControlPort = 0;
-    Clock::time_point mStarted;
 };
 
 // Reads the control API's event stream and wakes whoever waits for a piece of it.

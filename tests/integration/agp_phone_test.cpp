@@ -2,115 +2,25 @@
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
-#include <signal.h>
-#include <spawn.h>
 #include <sys/socket.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <fstream>
 #include <nlohmann/json.hpp>
-#include <regex>
 
 #include "ApplicationServer.h"
-
-extern char** environ;
+#include "ChildProcess.h"
 
 namespace {
 
 // A running agp-phone with its standard output and error collected.
-class PhoneProcess {
+class PhoneProcess : public ChildProcess {
 public:
-    // With `withInput`, standard input is a pipe fed by typeLine; else it is inherited.
-    explicit PhoneProcess(std::vector<std::string> arguments, bool withInput = false) {
-        int pipeFds[2];
-        EXPECT_EQ(pipe(pipeFds), 0);
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        int inputFds[2] = {-1, -1};
-        if (withInput) {
-            EXPECT_EQ(pipe(inputFds), 0);
-            posix_spawn_file_actions_adddup2(&actions, inputFds[0], 0);
-            posix_spawn_file_actions_addclose(&actions, inputFds[1]);
-            mInput = inputFds[1];
-        }
-        posix_spawn_file_actions_adddup2(&actions, pipeFds[1], 1);
-        posix_spawn_file_actions_adddup2(&actions, pipeFds[1], 2);
-        posix_spawn_file_actions_addclose(&actions, pipeFds[0]);
-        arguments.insert(arguments.begin(), AGP_PHONE_PATH);
-        std::vector<char*> argv;
-        for (std::string& argument : arguments) {
-            argv.push_back(&argument[0]);
-        }
-        argv.push_back(nullptr);
-        EXPECT_EQ(posix_spawn(&mPid, AGP_PHONE_PATH, &actions, nullptr, argv.data(), environ), 0);
-        posix_spawn_file_actions_destroy(&actions);
-        close(pipeFds[1]);
-        if (withInput) {
-            close(inputFds[0]);
-        }
-        mReader = std::thread([this, fd = pipeFds[0]] {
-            char buffer[4096];
-            ssize_t got;
-            while ((got = read(fd, buffer, sizeof buffer)) > 0) {
-                std::lock_guard<std::mutex> lock(mMutex);
-                mOutput.append(buffer, static_cast<size_t>(got));
-            }
-            close(fd);
-        });
+    explicit PhoneProcess(const std::vector<std::string>& arguments, bool withInput = false)
+        : ChildProcess(AGP_PHONE_PATH, arguments, withInput) {
+        EXPECT_TRUE(started());
     }
-    ~PhoneProcess() {
-        if (mInput >= 0) {
-            close(mInput);
-        }
-        if (mPid > 0) {
-            kill(mPid, SIGKILL);
-            wait();
-        }
-    }
-
-    int wait() {
-        int status = 0;
-        waitpid(mPid, &status, 0);
-        mPid = 0;
-        if (mReader.joinable()) {
-            mReader.join();
-        }
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-    bool typeLine(const std::string& line) {
-        const std::string text = line + "\n";
-        return write(mInput, text.data(), text.size()) == static_cast<ssize_t>(text.size());
-    }
-    int stop() {
-        kill(mPid, SIGTERM);
-        return wait();
-    }
-    std::string output() {
-        std::lock_guard<std::mutex> lock(mMutex);
-        return mOutput;
-    }
-    // Waits for a line of output matching `pattern` and returns its first group.
-    std::string waitForOutput(const std::string& pattern) {
-        const std::regex expression(pattern);
-        for (int i = 0; i < 500; ++i) {
-            std::smatch match;
-            const std::string text = output();
-            if (std::regex_search(text, match, expression)) {
-                return match.size() > 1 ? match[1].str() : match[0].str();
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-        return "";
-    }
-
-private:
-    pid_t mPid = 0;
-    int mInput = -1;
-    std::thread mReader;
-    std::mutex mMutex;
-    std::string mOutput;
 };
 
 // Reads a server-sent event stream on its own thread until stopped.

@@ -1,30 +1,33 @@
 // A soak against a running `agp-phone --demo`: random keys and pushes on several connections at
 // once, every answer checked, resident memory compared before and after.
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
-#include <fstream>
 #include <httplib.h>
 #include <map>
 #include <mutex>
 #include <nlohmann/json.hpp>
 #include <random>
-#include <regex>
 #include <string>
 #include <thread>
 #include <vector>
 
-extern char** environ;
+#include "ChildProcess.h"
 
 namespace {
 
 using nlohmann::json;
+
+// agp-phone gives freed memory back once its screen has been quiet for a second.
+constexpr std::chrono::milliseconds kQuietTrim(1500);
+
+// The port in the first line of `phone`'s output that matches `pattern`; 0 without one.
+int portFrom(ChildProcess& phone, const std::string& pattern) {
+    const std::string port = phone.waitForOutput(pattern);
+    return port.empty() ? 0 : std::stoi(port);
+}
 
 struct Options {
     std::string agpPhone;
@@ -36,101 +39,6 @@ struct Options {
     // 0: report the growth without judging it.
     long maxGrowthKb = 1024;
     unsigned seed = 1;
-};
-
-// agp-phone started with free ports, its output kept for the addresses it prints.
-class PhoneProcess {
-public:
-    bool start(const std::string& program) {
-        int fds[2];
-        if (pipe(fds) != 0) {
-            return false;
-        }
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_adddup2(&actions, fds[1], 1);
-        posix_spawn_file_actions_adddup2(&actions, fds[1], 2);
-        posix_spawn_file_actions_addclose(&actions, fds[0]);
-        std::vector<std::string> arguments = {program,       "--demo", "--headless", "--http",
-                                              "127.0.0.1:0", "--push", "127.0.0.1:0"};
-        std::vector<char*> argv;
-        for (std::string& argument : arguments) {
-            argv.push_back(&argument[0]);
-        }
-        argv.push_back(nullptr);
-        const int spawned = posix_spawn(&mPid, program.c_str(), &actions, nullptr, argv.data(), environ);
-        posix_spawn_file_actions_destroy(&actions);
-        close(fds[1]);
-        if (spawned != 0) {
-            close(fds[0]);
-            mPid = 0;
-            return false;
-        }
-        // The output is drained all along: a full pipe would stop the phone.
-        mReader = std::thread([this, fd = fds[0]] {
-            char buffer[4096];
-            ssize_t got;
-            while ((got = read(fd, buffer, sizeof buffer)) > 0) {
-                std::lock_guard<std::mutex> lock(mMutex);
-                if (mHead.size() < 64 * 1024) {
-                    mHead.append(buffer, static_cast<size_t>(got));
-                }
-            }
-            close(fd);
-        });
-        return true;
-    }
-    ~PhoneProcess() {
-        if (mPid > 0) {
-            kill(mPid, SIGKILL);
-            wait();
-        }
-    }
-    // The port of the first output line matching `pattern`; 0 after ten seconds without one.
-    int portFrom(const std::string& pattern) {
-        const std::regex expression(pattern);
-        for (int i = 0; i < 1000; ++i) {
-            std::smatch match;
-            std::string head;
-            {
-                std::lock_guard<std::mutex> lock(mMutex);
-                head = mHead;
-            }
-            if (std::regex_search(head, match, expression)) {
-                return std::stoi(match[1].str());
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-        return 0;
-    }
-    bool alive() { return mPid > 0 && waitpid(mPid, &mStatus, WNOHANG) == 0; }
-    // Exit status, -1 for a signal.
-    int wait() {
-        if (mPid > 0 && waitpid(mPid, &mStatus, 0) == mPid) {
-            mPid = 0;
-        }
-        if (mReader.joinable()) {
-            mReader.join();
-        }
-        return WIFEXITED(mStatus) ? WEXITSTATUS(mStatus) : -1;
-    }
-    long residentKb() const {
-        std::ifstream status("/proc/" + std::to_string(mPid) + "/status");
-        std::string line;
-        while (std::getline(status, line)) {
-            if (line.rfind("VmRSS:", 0) == 0) {
-                return std::atol(line.c_str() + 6);
-            }
-        }
-        return -1;
-    }
-
-private:
-    pid_t mPid = 0;
-    int mStatus = 0;
-    std::thread mReader;
-    std::mutex mMutex;
-    std::string mHead;
 };
 
 // Every answer that is not what the documentation promises, counted and the first few kept.
@@ -248,13 +156,14 @@ int demoServerPort(int apiPort) {
 }
 
 int run(const Options& options) {
-    PhoneProcess phone;
-    if (!phone.start(options.agpPhone)) {
+    ChildProcess phone(options.agpPhone,
+                       {"--demo", "--headless", "--http", "127.0.0.1:0", "--push", "127.0.0.1:0"});
+    if (!phone.started()) {
         std::fprintf(stderr, "agp-soak: cannot start %s\n", options.agpPhone.c_str());
         return 2;
     }
-    const int apiPort = phone.portFrom(R"(control API at http://127\.0\.0\.1:(\d+)/)");
-    const int pushPort = phone.portFrom(R"(pushes to http://127\.0\.0\.1:(\d+)/push)");
+    const int apiPort = portFrom(phone, R"(control API at http://127\.0\.0\.1:(\d+)/)");
+    const int pushPort = portFrom(phone, R"(pushes to http://127\.0\.0\.1:(\d+)/push)");
     const int demoPort = apiPort != 0 ? demoServerPort(apiPort) : 0;
     if (apiPort == 0 || pushPort == 0 || demoPort == 0) {
         std::fprintf(stderr, "agp-soak: agp-phone did not say where it listens\n");
@@ -266,12 +175,14 @@ int run(const Options& options) {
     soak(apiPort, pushPort, demoPort, options.warmUpKeys, options.warmUpPushes, options, options.seed, faults,
          statuses);
     waitUntilIdle(apiPort);
+    std::this_thread::sleep_for(kQuietTrim);
     const long before = phone.residentKb();
     const auto started = std::chrono::steady_clock::now();
     soak(apiPort, pushPort, demoPort, options.keys, options.pushes, options, options.seed + 1, faults,
          statuses);
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
     const bool settled = waitUntilIdle(apiPort);
+    std::this_thread::sleep_for(kQuietTrim);
     const long after = phone.residentKb();
     const bool alive = phone.alive();
 
