@@ -20,7 +20,7 @@ Alert::~Alert() {
 void Alert::setText(const std::string& text) {
     core::Lock lock(core::mutex());
     mText = text;
-    core::changed();
+    core::changedLocked();
 }
 
 std::string Alert::getText() const {
@@ -31,13 +31,13 @@ std::string Alert::getText() const {
 void Alert::setImage(Image* image) {
     core::Lock lock(core::mutex());
     mImage = image != nullptr ? image->data() : nullptr;
-    core::changed();
+    core::changedLocked();
 }
 
 void Alert::setType(AlertType type) {
     core::Lock lock(core::mutex());
     mType = type;
-    core::changed();
+    core::changedLocked();
 }
 
 AlertType Alert::getType() const {

@@ -18,7 +18,7 @@ ChoiceGroup::~ChoiceGroup() {
 int ChoiceGroup::append(const std::string& text, Image* image) {
     core::Lock lock(core::mutex());
     mChoices.push_back(Choice{text, image != nullptr ? image->data() : nullptr, false});
-    core::changed();
+    core::changedLocked();
     return static_cast<int>(mChoices.size()) - 1;
 }
 
@@ -28,7 +28,7 @@ void ChoiceGroup::setImage(int index, Image* image) {
         return;
     }
     mChoices[index].image = image != nullptr ? image->data() : nullptr;
-    core::changed();
+    core::changedLocked();
 }
 
 void ChoiceGroup::setSelectedIndex(int index, bool selected) {
@@ -42,7 +42,7 @@ void ChoiceGroup::setSelectedIndex(int index, bool selected) {
         }
     }
     mChoices[static_cast<std::size_t>(index)].selected = selected;
-    core::changed();
+    core::changedLocked();
 }
 
 int ChoiceGroup::size() const {

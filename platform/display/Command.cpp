@@ -34,7 +34,7 @@ Command::~Command() {
         core::Lock lock(core::mutex());
         liveCommands().erase(this);
         mLife.end();
-        core::changed();
+        core::changedLocked();
     }
     // A listener told about this command keeps it until it returns.
     core::awaitCallbacks(this);

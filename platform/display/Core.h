@@ -55,8 +55,11 @@ private:
 // The display that widgets report their changes to and whose event loop delivers callbacks.
 // A phone has one display; the last one constructed is the active one.
 Display* activeDisplay();
-// Bumps the display's revision and schedules its change listener. Call with the lock held.
+// Bumps the display's revision and schedules its change listener.
 void changed();
+// The same without taking the library lock: for a caller that holds it already (most setters;
+// taking the re-entrant lock again cost a tenth of building a form's widgets).
+void changedLocked();
 // Runs `task` later on the display's event loop; false (and nothing runs) without a display.
 bool post(std::function<void()> task);
 // Queues commandAction(command, argument) to every command listener of `source`, checked again

@@ -28,6 +28,10 @@ Display* activeDisplay() {
 
 void changed() {
     Lock lock(mutex());
+    changedLocked();
+}
+
+void changedLocked() {
     if (gActiveDisplay != nullptr) {
         gActiveDisplay->noteChange();
     }

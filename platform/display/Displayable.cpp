@@ -107,7 +107,7 @@ void Displayable::retire() {
         core::Lock lock(core::mutex());
         if (!mLife.ended()) {
             mLife.end();
-            core::changed();
+            core::changedLocked();
         }
     }
     // A listener told about this widget keeps it until it returns.
@@ -127,7 +127,7 @@ unsigned long Displayable::getOwnerId() const {
 void Displayable::setTitle(const std::string& title) {
     core::Lock lock(core::mutex());
     mTitle = title;
-    core::changed();
+    core::changedLocked();
 }
 
 std::string Displayable::getTitle() const {
@@ -146,7 +146,7 @@ void Displayable::addCommand(Command* command) {
         }
     }
     mCommands.push_back(command->ref());
-    core::changed();
+    core::changedLocked();
 }
 
 void Displayable::removeCommand(Command* command) {
@@ -156,14 +156,14 @@ void Displayable::removeCommand(Command* command) {
                                        return held.get() == nullptr || held.get() == command;
                                    }),
                     mCommands.end());
-    core::changed();
+    core::changedLocked();
 }
 
 void Displayable::clearCommands() {
     core::Lock lock(core::mutex());
     mCommands.clear();
     mMenuOpen = false;
-    core::changed();
+    core::changedLocked();
 }
 
 std::vector<Command*> Displayable::getCommands() const {
@@ -212,7 +212,7 @@ void Displayable::setItemStateListener(ItemStateListener* listener) {
 void Displayable::setTicker(Ticker* ticker) {
     core::Lock lock(core::mutex());
     mTicker = ticker != nullptr ? ticker->data() : std::weak_ptr<TickerData>();
-    core::changed();
+    core::changedLocked();
 }
 
 void Displayable::setUsedWithTab(bool used, TabScreen* tabScreen) {
@@ -234,7 +234,7 @@ bool Displayable::getWrapAround() const {
 void Displayable::setSelectionHighlight(bool on) {
     core::Lock lock(core::mutex());
     mHighlight = on;
-    core::changed();
+    core::changedLocked();
 }
 
 bool Displayable::getSelectionHighlight() const {
@@ -245,7 +245,7 @@ bool Displayable::getSelectionHighlight() const {
 void Displayable::restoreFocusAndShowHighlight() {
     core::Lock lock(core::mutex());
     mHighlight = true;
-    core::changed();
+    core::changedLocked();
 }
 
 bool Displayable::isContextMenuDisplayed() const {

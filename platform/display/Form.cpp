@@ -67,7 +67,7 @@ void Form::insertItem(Item* item, int index) {
         ++mFocus;
     }
     focusFirstIfNone();
-    core::changed();
+    core::changedLocked();
 }
 
 int Form::size() const {
@@ -97,7 +97,7 @@ void Form::setSelected(Item* item) {
     }
     mFocus = static_cast<int>(found - mItems.begin());
     item->focusArrives(1);
-    core::changed();
+    core::changedLocked();
 }
 
 void Form::setFormOptions(SelectionField* options) {
@@ -106,14 +106,14 @@ void Form::setFormOptions(SelectionField* options) {
         core::Lock lock(core::mutex());
         SelectionField* replaced = formOptions();
         if (options == replaced) {
-            core::changed();
+            core::changedLocked();
             return;
         }
         mFormOptions = options != nullptr ? options->ref() : core::Ref<Displayable>();
         if (replaced != nullptr && std::find(mItems.begin(), mItems.end(), replaced) == mItems.end()) {
             dropped = replaced;
         }
-        core::changed();
+        core::changedLocked();
     }
     delete dropped; // without the lock, see the destructor
 }

@@ -19,19 +19,19 @@ ImageItem::~ImageItem() {
 void ImageItem::setImage(Image* image) {
     core::Lock lock(core::mutex());
     mImage = image != nullptr ? image->data() : nullptr;
-    core::changed();
+    core::changedLocked();
 }
 
 void ImageItem::setAltText(const std::string& altText) {
     core::Lock lock(core::mutex());
     mAltText = altText;
-    core::changed();
+    core::changedLocked();
 }
 
 void ImageItem::setContextMenuArrow(bool shown) {
     core::Lock lock(core::mutex());
     mArrow = shown;
-    core::changed();
+    core::changedLocked();
 }
 
 void ImageItem::describeContent(nlohmann::json& out) const {

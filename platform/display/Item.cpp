@@ -21,13 +21,13 @@ void Item::setLabel(const std::string& label) {
     core::Lock lock(core::mutex());
     mLabel = label;
     mTranslatedLabel.reset();
-    core::changed();
+    core::changedLocked();
 }
 
 void Item::setLabel(const TranslationInfo& label) {
     core::Lock lock(core::mutex());
     mTranslatedLabel = label;
-    core::changed();
+    core::changedLocked();
 }
 
 std::string Item::getLabel() const {
@@ -48,7 +48,7 @@ bool Item::isInformAppOnOk() const {
 void Item::setSelectable(bool selectable) {
     core::Lock lock(core::mutex());
     mSelectable = selectable;
-    core::changed();
+    core::changedLocked();
 }
 
 bool Item::isSelectable() const {

@@ -57,7 +57,7 @@ void List::insert(ListItem* item, int index) {
     } else if (mFocus >= at) {
         ++mFocus;
     }
-    core::changed();
+    core::changedLocked();
 }
 
 void List::deleteAll() {
@@ -69,7 +69,7 @@ void List::deleteAll() {
         for (ListItem* item : items) {
             item->attachTo(nullptr);
         }
-        core::changed();
+        core::changedLocked();
     }
     // Deleted without the lock: an item's destructor may wait for a listener told about it.
     for (ListItem* item : items) {
@@ -96,7 +96,7 @@ void List::setSelectedIndex(int index) {
     core::Lock lock(core::mutex());
     if (index >= 0 && index < static_cast<int>(mItems.size())) {
         mFocus = index;
-        core::changed();
+        core::changedLocked();
     }
 }
 
@@ -130,7 +130,7 @@ void List::addItemCommand(MenuCommand* command) {
     }
     core::Lock lock(core::mutex());
     mItemCommands.push_back(command->ref());
-    core::changed();
+    core::changedLocked();
 }
 
 std::vector<Command*> List::getItemCommands() const {

@@ -22,7 +22,7 @@ void ListItem::setText(const std::string& text) {
     core::Lock lock(core::mutex());
     mText = text;
     mTranslatedText.reset();
-    core::changed();
+    core::changedLocked();
 }
 
 std::string ListItem::getText() const {
@@ -49,25 +49,25 @@ std::vector<std::string> ListItem::columns() const {
 void ListItem::setImage(Image* image) {
     core::Lock lock(core::mutex());
     mImage = image != nullptr ? image->data() : nullptr;
-    core::changed();
+    core::changedLocked();
 }
 
 void ListItem::setActiveFontColour(bool active) {
     core::Lock lock(core::mutex());
     mActive = active;
-    core::changed();
+    core::changedLocked();
 }
 
 void ListItem::reserveSpaceForImage(bool reserve) {
     core::Lock lock(core::mutex());
     mReserveImage = reserve;
-    core::changed();
+    core::changedLocked();
 }
 
 void ListItem::enableContextMenuArrow(bool shown) {
     core::Lock lock(core::mutex());
     mArrow = shown;
-    core::changed();
+    core::changedLocked();
 }
 
 void ListItem::setOwnerId(unsigned long id) {

@@ -14,13 +14,13 @@ MenuScreen::~MenuScreen() {
 void MenuScreen::addCommand(Command* command) {
     core::Lock lock(core::mutex());
     mEntries.add(command);
-    core::changed();
+    core::changedLocked();
 }
 
 void MenuScreen::removeEntry(Command* command) {
     core::Lock lock(core::mutex());
     mEntries.remove(command);
-    core::changed();
+    core::changedLocked();
 }
 
 int MenuScreen::size() const {
@@ -36,7 +36,7 @@ int MenuScreen::getSelectedIndex() const {
 void MenuScreen::setSelectedIndex(int index) {
     core::Lock lock(core::mutex());
     mEntries.setHighlight(index);
-    core::changed();
+    core::changedLocked();
 }
 
 Command* MenuScreen::getSelectedCommand() const {

@@ -22,7 +22,7 @@ void MultipleList::setSelectedFlags(const std::list<bool>& flags) {
             ++flag;
         }
     }
-    core::changed();
+    core::changedLocked();
 }
 
 std::list<bool> MultipleList::getSelectedFlags() const {

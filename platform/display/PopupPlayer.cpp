@@ -32,7 +32,7 @@ void PopupPlayer::setState(PopupPlayerState state, PopupPlayerMode mode) {
     core::Lock lock(core::mutex());
     mState = state;
     mMode = mode;
-    core::changed();
+    core::changedLocked();
 }
 
 PopupPlayerState PopupPlayer::getState() const {
@@ -48,13 +48,13 @@ PopupPlayerMode PopupPlayer::getMode() const {
 void PopupPlayer::setProgressBarMinValue(int value) {
     core::Lock lock(core::mutex());
     mMin = value;
-    core::changed();
+    core::changedLocked();
 }
 
 void PopupPlayer::setProgressBarMaxValue(int value) {
     core::Lock lock(core::mutex());
     mMax = value;
-    core::changed();
+    core::changedLocked();
 }
 
 void PopupPlayer::setProgressBarStep(int step) {
@@ -65,7 +65,7 @@ void PopupPlayer::setProgressBarStep(int step) {
 void PopupPlayer::setProgressBarValue(int value) {
     core::Lock lock(core::mutex());
     mValue = mMin <= mMax ? (value < mMin ? mMin : (value > mMax ? mMax : value)) : value;
-    core::changed();
+    core::changedLocked();
 }
 
 int PopupPlayer::getProgressBarValue() const {

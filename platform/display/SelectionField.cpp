@@ -28,7 +28,7 @@ void SelectionField::appendSelection(MenuCommand* command) {
     if (mSelection < 0 && mEntries.size() > 0) {
         mSelection = 0;
     }
-    core::changed();
+    core::changedLocked();
 }
 
 void SelectionField::clearSelections() {
@@ -36,7 +36,7 @@ void SelectionField::clearSelections() {
     mEntries.clear();
     mSelection = -1;
     mPopupOpen = false;
-    core::changed();
+    core::changedLocked();
 }
 
 std::vector<Command*> SelectionField::getSelections() const {
@@ -57,7 +57,7 @@ void SelectionField::setSelectionIndex(int index) {
     core::Lock lock(core::mutex());
     if (index >= 0 && index < mEntries.size()) {
         mSelection = index;
-        core::changed();
+        core::changedLocked();
     }
 }
 

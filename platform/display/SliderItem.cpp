@@ -47,21 +47,21 @@ void SliderItem::setMinValue(const std::string& value) {
     core::Lock lock(core::mutex());
     parseNumber(value, mMin);
     clampValue();
-    core::changed();
+    core::changedLocked();
 }
 
 void SliderItem::setMaxValue(const std::string& value) {
     core::Lock lock(core::mutex());
     parseNumber(value, mMax);
     clampValue();
-    core::changed();
+    core::changedLocked();
 }
 
 void SliderItem::setValue(const std::string& value) {
     core::Lock lock(core::mutex());
     parseNumber(value, mValue);
     clampValue();
-    core::changed();
+    core::changedLocked();
 }
 
 void SliderItem::setInterval(const std::string& value) {
@@ -80,7 +80,7 @@ std::string SliderItem::getValue() const {
 void SliderItem::setAutomatic(bool automatic) {
     core::Lock lock(core::mutex());
     mAutomatic = automatic;
-    core::changed();
+    core::changedLocked();
 }
 
 bool SliderItem::isAutomatic() const {

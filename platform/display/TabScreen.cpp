@@ -24,7 +24,7 @@ int TabScreen::addTab(const std::string& label, Displayable* displayable, const 
     if (mCurrent < 0) {
         mCurrent = 0;
     }
-    core::changed();
+    core::changedLocked();
     return static_cast<int>(mTabs.size()) - 1;
 }
 
@@ -42,7 +42,7 @@ void TabScreen::setCurrentTabIndex(int index) {
     core::Lock lock(core::mutex());
     if (validIndex(index)) {
         mCurrent = index;
-        core::changed();
+        core::changedLocked();
     }
 }
 
@@ -63,7 +63,7 @@ void TabScreen::setCurrentDisplayableForTabAtIndex(int index, Displayable* displ
     if (validIndex(index)) {
         mTabs[static_cast<std::size_t>(index)].displayable =
             displayable != nullptr ? displayable->ref() : core::Ref<Displayable>();
-        core::changed();
+        core::changedLocked();
     }
 }
 
@@ -93,14 +93,14 @@ void TabScreen::removeTabAtIndex(int index) {
     if (mCurrent < 0 && !mTabs.empty()) {
         mCurrent = 0;
     }
-    core::changed();
+    core::changedLocked();
 }
 
 void TabScreen::nextTab() {
     core::Lock lock(core::mutex());
     if (!mTabs.empty()) {
         mCurrent = (mCurrent + 1) % static_cast<int>(mTabs.size());
-        core::changed();
+        core::changedLocked();
     }
 }
 
@@ -109,7 +109,7 @@ void TabScreen::previousTab() {
     if (!mTabs.empty()) {
         const int count = static_cast<int>(mTabs.size());
         mCurrent = (mCurrent + count - 1) % count;
-        core::changed();
+        core::changedLocked();
     }
 }
 
@@ -117,21 +117,21 @@ void TabScreen::enterTabBar() {
     core::Lock lock(core::mutex());
     mBarActive = true;
     mLeftUpwards = false;
-    core::changed();
+    core::changedLocked();
 }
 
 void TabScreen::leaveTabBar() {
     core::Lock lock(core::mutex());
     mBarActive = false;
     mLeftUpwards = false;
-    core::changed();
+    core::changedLocked();
 }
 
 void TabScreen::leaveTabBarUpwards() {
     core::Lock lock(core::mutex());
     mBarActive = false;
     mLeftUpwards = true;
-    core::changed();
+    core::changedLocked();
 }
 
 bool TabScreen::isTabBarActive() const {

@@ -33,21 +33,21 @@ void Table::setTitleColumnWidth(int column, int width) {
     }
     mHeaderWidths.resize(static_cast<std::size_t>(mHeader.columns), -1);
     mHeaderWidths[static_cast<std::size_t>(column)] = width;
-    core::changed();
+    core::changedLocked();
 }
 
 void Table::setText(int line, int column, const std::string& text) {
     core::Lock lock(core::mutex());
     if (CellGrid::Cell* cell = mHeader.at(line, column)) {
         cell->text = text;
-        core::changed();
+        core::changedLocked();
     }
 }
 
 void Table::setImage(int line, int column, int index, Image* image) {
     core::Lock lock(core::mutex());
     mHeader.setImage(line, column, index, image);
-    core::changed();
+    core::changedLocked();
 }
 
 void Table::append(TableItem* item) {
@@ -63,7 +63,7 @@ void Table::append(TableItem* item) {
     if (mFocus < 0 && mItems.size() == 1) {
         mFocus = 0;
     }
-    core::changed();
+    core::changedLocked();
 }
 
 int Table::size() const {
@@ -91,7 +91,7 @@ void Table::setSelectedIndex(int index) {
     core::Lock lock(core::mutex());
     if (index >= -1 && index < static_cast<int>(mItems.size())) {
         mFocus = index;
-        core::changed();
+        core::changedLocked();
     }
 }
 

@@ -78,7 +78,7 @@ void TableItem::setText(int line, int column, const std::string& text) {
     core::Lock lock(core::mutex());
     if (CellGrid::Cell* cell = mCells.at(line, column)) {
         cell->text = text;
-        core::changed();
+        core::changedLocked();
     }
 }
 
@@ -91,21 +91,21 @@ std::string TableItem::getText(int line, int column) const {
 void TableItem::setImage(int line, int column, int index, Image* image) {
     core::Lock lock(core::mutex());
     mCells.setImage(line, column, index, image);
-    core::changed();
+    core::changedLocked();
 }
 
 void TableItem::setActiveFontColour(int line, int column, bool active) {
     core::Lock lock(core::mutex());
     if (CellGrid::Cell* cell = mCells.at(line, column)) {
         cell->active = active;
-        core::changed();
+        core::changedLocked();
     }
 }
 
 void TableItem::enableContextMenuArrow(bool shown) {
     core::Lock lock(core::mutex());
     mArrow = shown;
-    core::changed();
+    core::changedLocked();
 }
 
 void TableItem::setColumnWidthPercent(int column, int percent) {
@@ -115,7 +115,7 @@ void TableItem::setColumnWidthPercent(int column, int percent) {
     }
     mWidths.resize(static_cast<std::size_t>(mCells.columns), -1);
     mWidths[static_cast<std::size_t>(column)] = percent;
-    core::changed();
+    core::changedLocked();
 }
 
 void TableItem::reserveSpaceForContextMenuArrow() {

@@ -18,7 +18,7 @@ void TextBox::setMaxSize(unsigned maximum) {
     core::Lock lock(core::mutex());
     mMaxSize = maximum;
     mText = text::truncate(mText, static_cast<int>(mMaxSize));
-    core::changed();
+    core::changedLocked();
 }
 
 unsigned TextBox::getMaxSize() const {
@@ -29,7 +29,7 @@ unsigned TextBox::getMaxSize() const {
 void TextBox::setReadOnlyMode(bool readOnly) {
     core::Lock lock(core::mutex());
     mReadOnly = readOnly;
-    core::changed();
+    core::changedLocked();
 }
 
 bool TextBox::isReadOnly() const {
@@ -40,7 +40,7 @@ bool TextBox::isReadOnly() const {
 void TextBox::setTextBoxType(int type) {
     core::Lock lock(core::mutex());
     mType = type == NUMBER || type == PASSWORD ? type : ANY;
-    core::changed();
+    core::changedLocked();
 }
 
 int TextBox::getTextBoxType() const {
@@ -51,7 +51,7 @@ int TextBox::getTextBoxType() const {
 void TextBox::setText(const std::string& value, bool /*reserved*/) {
     core::Lock lock(core::mutex());
     mText = text::truncate(value, static_cast<int>(mMaxSize));
-    core::changed();
+    core::changedLocked();
 }
 
 std::string TextBox::getText() const {

@@ -41,7 +41,7 @@ void TextField::setString(const std::string& value) {
     core::Lock lock(core::mutex());
     mText = text::truncate(value, mMaxLength);
     mEditing = false;
-    core::changed();
+    core::changedLocked();
 }
 
 std::string TextField::getString() const {
@@ -55,7 +55,7 @@ void TextField::setReadOnlyMode(bool readOnly) {
     if (readOnly && mEditing) {
         finishEditing(true);
     }
-    core::changed();
+    core::changedLocked();
 }
 
 bool TextField::isReadOnly() const {
@@ -67,7 +67,7 @@ void TextField::setMaxFieldLength(int maximum) {
     core::Lock lock(core::mutex());
     mMaxLength = maximum < 0 ? -1 : maximum;
     mText = text::truncate(mText, mMaxLength);
-    core::changed();
+    core::changedLocked();
 }
 
 int TextField::getMaxFieldLength() const {
@@ -78,7 +78,7 @@ int TextField::getMaxFieldLength() const {
 void TextField::setContextMenuArrowIcon(bool shown) {
     core::Lock lock(core::mutex());
     mArrow = shown;
-    core::changed();
+    core::changedLocked();
 }
 
 TextField::FieldType TextField::getFieldType() const {

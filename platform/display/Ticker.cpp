@@ -12,13 +12,13 @@ Ticker::Ticker(const std::string& text) : mData(std::make_shared<TickerData>()) 
 Ticker::~Ticker() {
     core::Lock lock(core::mutex());
     mData.reset();
-    core::changed();
+    core::changedLocked();
 }
 
 void Ticker::setText(const std::string& text) {
     core::Lock lock(core::mutex());
     mData->text = text;
-    core::changed();
+    core::changedLocked();
 }
 
 std::string Ticker::getText() const {
