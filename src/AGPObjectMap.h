@@ -6,7 +6,6 @@
 #include <string>
 
 #include "AGPIdTable.h"
-
 #include "AGPObjectTypeInfo.h"
 #include "AGPTypes.h"
 

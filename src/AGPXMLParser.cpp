@@ -12,6 +12,10 @@
 
 #include "AGPCommonBase.h"
 #include "AGPLog.h"
+#include "AGPObjectMap.h"
+#include "AGPPhonelet.h"
+#include "AGPPhoneletManager.h"
+#include "threads/Semaphore.h"
 
 // The element-by-element trace: whether anyone takes it is asked once a document, not for every
 // element, attribute and text piece (a level change applies from the next document).
@@ -21,10 +25,6 @@
             AGP_LOG(6, __VA_ARGS__);                                                                         \
         }                                                                                                    \
     } while (0)
-#include "AGPObjectMap.h"
-#include "AGPPhonelet.h"
-#include "AGPPhoneletManager.h"
-#include "threads/Semaphore.h"
 
 namespace {
 
