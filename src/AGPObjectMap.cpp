@@ -120,6 +120,7 @@ bool AGPObjectMap::removeAGPObjectTree(AGPId id) {
         AGPCommonBase::createTreeExplorationVector(root, tree);
         for (AGPCommonBase* element : tree) {
             forgetLocked(element->getAGPObjectID());
+            element->markUnregistered();
         }
     }
     for (AGPCommonBase* element : tree) {

@@ -56,7 +56,9 @@ void Form::insertItem(Item* item, int index) {
         return;
     }
     core::Lock lock(core::mutex());
-    if (item->getForm() != nullptr || std::find(mItems.begin(), mItems.end(), item) != mItems.end()) {
+    // An item in a form's list always knows its form (it leaves the list only when it is
+    // destroyed), so this also refuses an item that is here already.
+    if (item->getForm() != nullptr) {
         return;
     }
     const int count = static_cast<int>(mItems.size());

@@ -185,10 +185,14 @@ void AGPCommonBase::commandRemoteTrace(const std::string& prefix, const AGPMessa
 
 void AGPCommonBase::registerElement() {
     mAGPId = AGPPhoneletManager::getAGPObjectMap()->addAGPObject(this);
+    mRegistered = mAGPId != 0;
 }
 
 void AGPCommonBase::unregisterElement() {
-    AGPPhoneletManager::getAGPObjectMap()->removeAGPObject(mAGPId);
+    if (mRegistered) {
+        mRegistered = false;
+        AGPPhoneletManager::getAGPObjectMap()->removeAGPObject(mAGPId);
+    }
 }
 
 bool AGPCommonBase::addCountedChild(AGPChildCount& count, AGPCommonBase& child) {

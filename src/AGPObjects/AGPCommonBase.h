@@ -67,6 +67,9 @@ public:
 
     // The element factory: a new, registered element for an XML element name, or null.
     static AGPCommonBase* getInstanceFor(std::string& name);
+    // The registry forgot this element ahead of deleting its tree (on the deleting thread, under
+    // its lock): the destructor has nothing left to unregister.
+    void markUnregistered() { mRegistered = false; }
 
 protected:
     // Called by every constructor of a concrete element class, as its last step.
@@ -79,6 +82,7 @@ protected:
     std::vector<AGPCommonBase*> mChildren;
     std::string mContent;
     AGPId mAGPId;
+    bool mRegistered = false;
     std::atomic<AGPQueueNumber> mQueueID;
     AGPCommonBase* mParent;
     std::vector<AGPScreenFocusListenerIfc*> mScreenFocusListeners;
