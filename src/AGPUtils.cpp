@@ -38,7 +38,7 @@ template <typename Number> bool readNumber(const std::string& text, Number& out)
         return false; // nothing but blanks leaves the number as it was
     }
     bool negative = false;
-    if (at != end && (*at == '+' || *at == '-')) {
+    if (*at == '+' || *at == '-') {
         negative = *at == '-';
         ++at;
     }

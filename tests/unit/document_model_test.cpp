@@ -107,7 +107,7 @@ TEST_F(DocumentModel, RegistryCounterGoesRoundOntoFreeIdentifiers) {
 
 // The table against a standard map through random additions and removals: long probe runs
 // (counting identifiers and far ones that meet them), growth to a large tree and its removal.
-TEST(AGPIdTable, AgreesWithAStandardMapThroughGrowthAndShrinking) {
+TEST(AGPIdTable, AgreesWithAStandardMapThroughGrowthAndRemoval) {
     AGPIdTable table;
     std::unordered_map<AGPId, AGPCommonBase*> expected;
     std::mt19937 random(7);
